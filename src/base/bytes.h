@@ -23,8 +23,8 @@ using ByteVector = std::vector<std::uint8_t>;
 }
 
 // The part of `bytes` from `at` on, at most `length` bytes; shorter, or empty, at the end.
-[[nodiscard]] constexpr ByteView SubView(
-    ByteView bytes, std::size_t at, std::size_t length = std::dynamic_extent) noexcept {
+[[nodiscard]] constexpr ByteView SubView(ByteView bytes, std::size_t at,
+                                         std::size_t length = std::dynamic_extent) noexcept {
     if (at >= bytes.size()) {
         return {};
     }

@@ -34,8 +34,9 @@ struct Error {
 template <typename T>
 class [[nodiscard]] Result {
   public:
-    Result(T value) : held_(std::in_place_index<0>, std::move(value)) {}  // NOLINT(google-explicit-constructor): returns read naturally
-    Result(Error error) : held_(std::in_place_index<1>, std::move(error)) {}  // NOLINT(google-explicit-constructor)
+    // Not explicit: a function returns a value or an Error as it is.
+    Result(T value) : held_(std::in_place_index<0>, std::move(value)) {}
+    Result(Error error) : held_(std::in_place_index<1>, std::move(error)) {}
 
     [[nodiscard]] bool IsGood() const noexcept { return held_.index() == 0; }
     explicit operator bool() const noexcept { return IsGood(); }
@@ -67,7 +68,7 @@ template <>
 class [[nodiscard]] Result<void> {
   public:
     Result() = default;
-    Result(Error error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
+    Result(Error error) : error_(std::move(error)) {}
 
     [[nodiscard]] bool IsGood() const noexcept { return !error_.has_value(); }
     explicit operator bool() const noexcept { return IsGood(); }

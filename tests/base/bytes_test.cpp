@@ -1,8 +1,7 @@
 #include "base/bytes.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
+#include <gtest/gtest.h>
 
 #include "base/fourcc.h"
 
@@ -30,7 +29,7 @@ TEST(Bytes, NeverMatchesLettersThatReachOutside) {
     constexpr std::array<std::uint8_t, 4> kWord{'m', 'o', 'o', 'v'};
     EXPECT_TRUE(MatchesAt(kWord, 0, "moov"));
     EXPECT_TRUE(MatchesAt(kWord, 2, "ov"));
-    EXPECT_FALSE(MatchesAt(kWord, 1, "oov\0"));
+    EXPECT_FALSE(MatchesAt(kWord, 1, std::string_view("oov\0", 4)));
     EXPECT_FALSE(MatchesAt(kWord, 3, "vx"));
     EXPECT_FALSE(MatchesAt(kWord, SIZE_MAX, "m"));
 }
