@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/bytes.h"
+#include "base/result.h"
+#include "platform/file.h"
+#include "platform/window_reader.h"
+
+namespace clipfix::platform {
+
+// Copies stretches of one file to the end of another. Stretches that follow one another in the
+// source are gathered and copied as one, inside the system where it offers that; what cannot be
+// read is copied as zero bytes and noted with `reader`. Positions and lengths are in bytes.
+class RangeCopier {
+  public:
+    // `source` may be null when the bytes come from something else than a plain file; all then
+    // goes through `reader`. Everything handed over must outlive the copier. `start` is the
+    // position in `target` of the first byte that is copied.
+    RangeCopier(const File* source, WindowReader& reader, File& target, std::uint64_t start);
+
+    // The position in `target` at which the next byte will stand.
+    [[nodiscard]] std::uint64_t End() const { return end_; }
+
+    // Appends `length` bytes of the source from `from`; what lies behind its end becomes zero.
+    Result<void> CopyRange(std::uint64_t from, std::uint64_t length);
+
+    // Appends bytes that the caller made.
+    Result<void> Append(ByteView bytes);
+
+    // Writes all that was gathered. Only then does the target hold it.
+    Result<void> Finish();
+
+  private:
+    static constexpr std::size_t kGatheredBytes = std::size_t{256} << 10U;
+    // Below this a copy through memory costs less than asking the system.
+    static constexpr std::uint64_t kWorthTheSystem = std::uint64_t{128} << 10U;
+    // What one step copies at most, so that a caller who asks Finish at times stays in control.
+    static constexpr std::uint64_t kLargestRange = std::uint64_t{16} << 20U;
+
+    Result<void> FlushRange();
+    Result<void> FlushBytes();
+    Result<void> CopyThroughMemory(std::uint64_t from, std::uint64_t length);
+
+    const File* source_;
+    WindowReader* reader_;
+    File* target_;
+    std::uint64_t end_;
+    std::uint64_t written_;        // position in the target behind the last byte written
+    std::uint64_t rangeFrom_ = 0;  // the gathered stretch of the source
+    std::uint64_t rangeLength_ = 0;
+    ByteVector bytes_;  // gathered bytes; they come before the gathered stretch
+};
+
+}  // namespace clipfix::platform

@@ -1,0 +1,82 @@
+#include "platform/window_reader.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace clipfix::platform {
+
+ByteView WindowReader::View(std::uint64_t offset, std::size_t length) {
+    assert(length <= kLargestWindow);
+    if (offset >= Size()) {
+        return {};
+    }
+    const auto inside = static_cast<std::size_t>(std::min<std::uint64_t>(length, Size() - offset));
+    if (!Holds(offset, inside)) {
+        Load(offset, inside);
+    }
+    return SubView(window_, static_cast<std::size_t>(offset - windowStart_), inside);
+}
+
+ByteView WindowReader::ViewOnward(std::uint64_t offset) {
+    if (offset >= Size()) {
+        return {};
+    }
+    if (!Holds(offset, 1)) {
+        Load(offset, 1);
+    }
+    return SubView(window_, static_cast<std::size_t>(offset - windowStart_));
+}
+
+std::size_t WindowReader::Read(std::uint64_t offset, ByteSpan out) {
+    const std::size_t inside =
+        offset >= Size()
+            ? 0
+            : static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), Size() - offset));
+    ReadPiece(offset, out.first(inside));
+    std::fill(out.begin() + static_cast<std::ptrdiff_t>(inside), out.end(), std::uint8_t{0});
+    return inside;
+}
+
+bool WindowReader::Holds(std::uint64_t offset, std::size_t length) const {
+    return offset >= windowStart_ && offset - windowStart_ <= window_.size() &&
+           length <= window_.size() - static_cast<std::size_t>(offset - windowStart_);
+}
+
+void WindowReader::Load(std::uint64_t offset, std::size_t length) {
+    // A read that goes on near where the window ends is part of a scan; anything else is a jump.
+    const std::uint64_t windowEnd = windowStart_ + window_.size();
+    const bool goesOn =
+        !window_.empty() && offset >= windowStart_ && offset <= windowEnd + kSmallestWindow;
+    windowSize_ = goesOn ? std::min(windowSize_ * 2, kLargestWindow) : kSmallestWindow;
+    const std::uint64_t wanted = std::max(windowSize_, length);
+    window_.resize(static_cast<std::size_t>(std::min(wanted, Size() - offset)));
+    windowStart_ = offset;
+    ReadPiece(offset, window_);
+}
+
+// Reads `out` whole, all of it inside the file. Where that fails it is halved, down to sectors;
+// a sector that fails reads as zero.
+void WindowReader::ReadPiece(std::uint64_t offset, ByteSpan out) {
+    if (out.empty()) {
+        return;
+    }
+    if (const auto got = file_->ReadAt(offset, out)) {
+        // The file has become shorter since it was opened: what is gone reads as zero.
+        std::fill(out.begin() + static_cast<std::ptrdiff_t>(got.Value()), out.end(),
+                  std::uint8_t{0});
+        return;
+    }
+    const std::uint64_t sectorEnd = (offset / kSector + 1) * kSector;
+    if (out.size() <= sectorEnd - offset) {
+        std::fill(out.begin(), out.end(), std::uint8_t{0});
+        unreadable_.Add(offset, out.size());
+        return;
+    }
+    // Halve at a sector's edge, so that the two halves share no sector.
+    const std::uint64_t middle = (offset + out.size() / 2) / kSector * kSector;
+    const auto first = static_cast<std::size_t>(std::max(middle, sectorEnd) - offset);
+    ReadPiece(offset, out.first(first));
+    ReadPiece(offset + first, out.subspan(first));
+}
+
+}  // namespace clipfix::platform
