@@ -18,6 +18,10 @@ namespace clipfix::platform {
 // The user's application data folder: XDG_DATA_HOME, or .local/share below the user's home.
 [[nodiscard]] std::filesystem::path UserDataFolder();
 
+// Where the user's settings of the program go: XDG_CONFIG_HOME, or .config below the user's home,
+// with "kelvo-clipfix" behind it. The folder need not exist.
+[[nodiscard]] std::filesystem::path UserConfigFolder();
+
 // Bytes that the caller may still write on the file system that holds `path`; for a path that does
 // not exist yet, of its nearest folder that does. Nothing when the system does not tell.
 [[nodiscard]] std::optional<std::uint64_t> FreeBytes(const std::filesystem::path& path);

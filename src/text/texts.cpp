@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
+#include "platform/folders.h"
 #include "text/profile_file.h"
 
 namespace clipfix {
@@ -25,18 +25,6 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
                       [&](char x, char y) { return lower(x) == lower(y); });
 }
 
-bool FolderTakesFiles(const fs::path& folder) {
-    const fs::path probe = folder / ".kelvo-clipfix-probe";
-    std::ofstream stream(probe, std::ios::binary | std::ios::app);
-    if (!stream) {
-        return false;
-    }
-    stream.close();
-    std::error_code error;
-    fs::remove(probe, error);
-    return true;
-}
-
 // The number that a text begins with, as the C library's atoi reads it; 0 for a text that begins
 // with none, so that a language's name counts as 0.
 long NumberOf(const std::string& text) {
@@ -53,7 +41,7 @@ TextPaths FindTextPaths(const fs::path& programFolder, const fs::path& sharedFol
         fs::is_directory(sharedFolder / "Lang", error)) {
         paths.languageFolder = sharedFolder / "Lang";
     }
-    if (!ProfileFileOpens(paths.settingsFile) && !FolderTakesFiles(programFolder) &&
+    if (!ProfileFileOpens(paths.settingsFile) && !platform::CanWriteInto(programFolder) &&
         !userFolder.empty()) {
         fs::create_directories(userFolder, error);
         paths.settingsFile = userFolder / "settings.ini";

@@ -1,33 +1,22 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <system_error>
+
+#include "support/temp_folder.h"
 
 namespace clipfix {
 
-// A new folder of its own, taken away with all it holds when the test ends.
+// A folder of the test's own with small text files in it.
 class ScratchFolder {
   public:
-    ScratchFolder() {
-        std::string form = (std::filesystem::temp_directory_path() / "clipfix-XXXXXX").string();
-        path_ = mkdtemp(form.data()) != nullptr ? form : std::string();
-    }
-    ~ScratchFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(path_, error);
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
     [[nodiscard]] std::filesystem::path operator/(std::string_view name) const {
-        return path_ / std::string(name);
+        return folder_.Path() / std::string(name);
     }
-    [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
+    [[nodiscard]] const std::filesystem::path& Path() const { return folder_.Path(); }
 
     std::filesystem::path Put(std::string_view name, std::string_view text) const {
         const std::filesystem::path file = *this / name;
@@ -41,7 +30,7 @@ class ScratchFolder {
     }
 
   private:
-    std::filesystem::path path_;
+    test::TempFolder folder_;
 };
 
 }  // namespace clipfix

@@ -73,6 +73,10 @@ std::filesystem::path UserDataFolder() {
     return FolderFromEnvironment("XDG_DATA_HOME", ".local/share");
 }
 
+std::filesystem::path UserConfigFolder() {
+    return FolderFromEnvironment("XDG_CONFIG_HOME", ".config") / "kelvo-clipfix";
+}
+
 std::optional<std::uint64_t> FreeBytes(const std::filesystem::path& path) {
     std::error_code failed;
     std::filesystem::path place = std::filesystem::absolute(path, failed);
