@@ -49,7 +49,7 @@ struct TextStyle {
     int height = 20;  // pixels
     std::uint32_t colour = 0x4B4B4B;
     std::string_view face = "Segoe UI";
-    std::optional<std::uint32_t> fill;  // background; none leaves it as it is
+    std::optional<std::uint32_t> fill = {};  // background; none leaves it as it is
 
     friend bool operator==(const TextStyle&, const TextStyle&) = default;
 };
@@ -99,8 +99,10 @@ class JobFrontEnd {
 
     // Fills and shows the details of the repaired file.
     virtual void ShowDetails() = 0;
-    // Rebuilds the sections where that is due, and puts them back to the home page.
-    virtual void ShowHomePage(bool rebuildSections) = 0;
+    // How many graphic objects the interface holds; a window that leaks none answers what it has.
+    [[nodiscard]] virtual int GraphicObjectCount() = 0;
+    // Destroys the three sections and makes them anew, in the state in which they are created.
+    virtual void RebuildSections() = 0;
 
     // Timers of the interface thread, by id and period in milliseconds.
     virtual void StartTimer(int id, int milliseconds) = 0;

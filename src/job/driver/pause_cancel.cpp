@@ -1,0 +1,133 @@
+#include <filesystem>
+#include <system_error>
+
+#include "job/driver/job_driver.h"
+
+// Pause, resume, cancel, and the percent of an AVI job; all on the interface thread.
+namespace clipfix {
+
+namespace {
+
+using enum JobControlId;
+
+// From this percent on a MOV job is too near its end to be stopped: Yes is taken as No.
+constexpr int kTooLateToCancel = 99;
+
+}  // namespace
+
+void JobDriver::OnPauseResume() {
+    if (state_.g_bRepairPaused == 0) {
+        state_.g_nPauseAccounted = 0;
+        state_.g_tPause = clock_.Now();
+        state_.g_bRepairPaused = 1;
+        if (state_.g_bAnimationStopped == 0) {
+            StopBusyAnimation();
+        }
+        SetText(Pause, "IDS_RESUME");
+        if (hasWorker_) {
+            control_.Suspend(JobControl::Worker::Repair);
+        }
+        return;
+    }
+    state_.g_bRepairPaused = 0;
+    if (state_.g_bAnimationStopped == 1) {
+        StartBusyAnimation(false);
+    }
+    SetText(Pause, "IDS_PAUSE");
+    control_.Resume(JobControl::Worker::Repair);
+    control_.Wake();
+}
+
+void JobDriver::OnCancelJob() {
+    if (state_.g_bRepairRunning == 1) {
+        CancelRepair();
+    } else if (state_.g_bSaving == 1) {
+        CancelSave();
+    }
+}
+
+void JobDriver::CancelRepair() {
+    if (state_.g_bRepairPaused != 1) {
+        state_.g_bRepairPaused = 0;
+        OnPauseResume();
+    }
+    Question(2, "IDS_CANCEL_DLG_MSG ");  // the key ends with a blank
+    frontEnd_.Redraw(JobSection::Frame);
+    // The MOV percent stays 0 in an AVI job, so there the second test always passes.
+    if (state_.g_bMessageYes == 1 && state_.g_nMovPercent < kTooLateToCancel) {
+        CancelAfterYes();
+        return;
+    }
+    // A job that the person had paused goes on as well, and its button reads Pause. That is meant.
+    state_.g_bRepairPaused = 1;
+    OnPauseResume();
+}
+
+// The flag that lets a MOV engine go is set only after the note was closed: g_bRepairPaused stays
+// 1 until then, and the engine goes on waiting at its checkpoint.
+void JobDriver::CancelAfterYes() {
+    const bool movJob = state_.g_bMovJob == 1;
+    (movJob ? state_.g_lJobAlive : state_.g_bAviContinue) = 0;
+    if (hasWorker_) {
+        control_.Resume(JobControl::Worker::Repair);
+    }
+    control_.Wake();
+    clock_.Sleep(500);
+    state_.g_tsPaused = 0;
+    state_.g_tsPausedTotal = 0;
+    if (movJob) {
+        if (state_.g_bMajorVersion6 == 0) {
+            std::error_code ignored;
+            std::filesystem::remove(state_.g_strOutputPath, ignored);
+        }
+        Note(3, "IDS_REPAIR_ABORTED");
+        frontEnd_.Redraw(JobSection::Frame);
+    }
+    state_.g_bRepairRunning = 0;
+    state_.g_bRepairCancelled = 1;
+    state_.g_bRepairPaused = 0;
+    control_.Wake();
+    SetText(Pause, "IDS_PAUSE");
+    Hide({Save, Home});
+}
+
+void JobDriver::CancelAtOnce() {
+    state_.g_lJobAlive = 0;
+    state_.g_bAviContinue = 0;
+    state_.g_bRepairCancelled = 1;
+    state_.g_bRepairPaused = 0;
+    control_.Resume(JobControl::Worker::Repair);
+    control_.Wake();
+}
+
+void JobDriver::OnAviProgress() {
+    if (state_.g_bMovJob == 1) {
+        return;
+    }
+    if (state_.g_bProgressFresh == 1) {
+        frontEnd_.ResetBar();
+        frontEnd_.Redraw(JobSection::Centre);
+        state_.g_bProgressFresh = 0;
+        return;
+    }
+    if (state_.g_lJobAlive == 0) {
+        state_.g_nAviPercent = 100;
+        frontEnd_.SetBar(100);
+        return;
+    }
+    const int percent = state_.g_nAviPercent;
+    if (state_.g_nAviPercentShown == percent) {
+        return;
+    }
+    state_.g_nAviPercentShown = percent;
+    if (percent > 100) {
+        return;
+    }
+    frontEnd_.SetBar(percent);
+    if (percent == 100) {
+        frontEnd_.ResetBar();
+    }
+    ShowPercent(percent);
+}
+
+}  // namespace clipfix

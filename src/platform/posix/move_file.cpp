@@ -1,0 +1,133 @@
+#include "platform/move_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "base/bytes.h"
+#include "platform/file.h"
+#include "platform/posix/system_error.h"
+
+namespace clipfix::platform {
+
+namespace {
+
+constexpr std::uint64_t kPiece = std::uint64_t{4} << 20U;
+
+// 0, or the system's error number.
+int RenameWithoutReplacing(const std::filesystem::path& source,
+                           const std::filesystem::path& destination) {
+    if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE) ==
+        0) {
+        return 0;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return errno;
+    }
+    // A file system that knows no such rename: a second name never replaces anything either.
+    if (::link(source.c_str(), destination.c_str()) != 0) {
+        return errno;
+    }
+    return ::unlink(source.c_str()) == 0 ? 0 : errno;
+}
+
+Result<void> CopyPieces(const File& from, File& to, const MoveProgress& progress) {
+    const std::uint64_t total = from.Size();
+    bool withinSystem = true;
+    ByteVector buffer;
+    for (std::uint64_t done = 0;;) {
+        if (!progress(done, total)) {
+            return Error{ErrorKind::Cancelled, "the move was cancelled", done};
+        }
+        if (done >= total) {
+            return to.Flush();
+        }
+        const std::uint64_t step = std::min(kPiece, total - done);
+        std::uint64_t moved = 0;
+        if (withinSystem) {
+            const auto copied = to.CopyWithinSystem(from, done, done, step);
+            if (!copied) {
+                return copied.Failure();
+            }
+            moved = copied.Value();
+            withinSystem = moved != 0;
+        }
+        if (moved == 0) {
+            buffer.resize(static_cast<std::size_t>(step));
+            const auto got = from.ReadAt(done, buffer);
+            if (!got) {
+                return got.Failure();
+            }
+            if (got.Value() == 0) {
+                return Error{ErrorKind::ReadFailed, "the file became shorter while it was moved",
+                             done};
+            }
+            if (auto put = to.WriteAt(done, SubView(buffer, 0, got.Value())); !put) {
+                return put;
+            }
+            moved = got.Value();
+        }
+        done += moved;
+    }
+}
+
+Result<void> CopyThenDelete(const std::filesystem::path& source,
+                            const std::filesystem::path& destination,
+                            const MoveProgress& progress) {
+    const auto from = File::OpenForReading(source);
+    if (!from) {
+        return from.Failure();
+    }
+    auto to = File::Create(destination, File::Existing::Refuse);
+    if (!to) {
+        return to.Failure();
+    }
+    if (auto copied = CopyPieces(from.Value(), to.Value(), progress); !copied) {
+        std::error_code ignored;
+        std::filesystem::remove(destination, ignored);
+        return copied;
+    }
+    std::error_code failed;
+    std::filesystem::remove(source, failed);
+    if (failed) {
+        return posix::SystemError(ErrorKind::WriteFailed, "cannot delete", source, failed.value());
+    }
+    return {};
+}
+
+}  // namespace
+
+Result<void> MoveFileWithProgress(const std::filesystem::path& source,
+                                  const std::filesystem::path& destination,
+                                  const MoveProgress& progress) {
+    const int reason = RenameWithoutReplacing(source, destination);
+    if (reason == 0) {
+        static_cast<void>(progress(1, 1));  // it is done; there is nothing left to stop
+        return {};
+    }
+    if (reason != EXDEV && reason != EPERM) {
+        return posix::SystemError(ErrorKind::WriteFailed, "cannot move to", destination, reason);
+    }
+    return CopyThenDelete(source, destination, progress);
+}
+
+Result<void> ReplaceByRename(const std::filesystem::path& source,
+                             const std::filesystem::path& destination) {
+    if (::rename(source.c_str(), destination.c_str()) != 0) {
+        return posix::SystemError(ErrorKind::WriteFailed, "cannot write", destination, errno);
+    }
+    const auto parent =
+        destination.has_parent_path() ? destination.parent_path() : std::filesystem::path(".");
+    const int folder = ::open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        static_cast<void>(::fsync(folder));
+        ::close(folder);
+    }
+    return {};
+}
+
+}  // namespace clipfix::platform
