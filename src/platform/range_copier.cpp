@@ -1,7 +1,7 @@
 #include "platform/range_copier.h"
 
 #include <algorithm>
-#include <limits>
+#include <utility>
 
 namespace clipfix::platform {
 
@@ -14,9 +14,7 @@ RangeCopier::RangeCopier(const File* source, WindowReader& reader, File& target,
 Result<void> RangeCopier::CopyRange(std::uint64_t from, std::uint64_t length) {
     while (length > 0) {
         if (rangeLength_ > 0 && from != rangeFrom_ + rangeLength_) {
-            if (auto done = FlushRange(); !done) {
-                return done;
-            }
+            FlushRange();
         }
         if (rangeLength_ == 0) {
             rangeFrom_ = from;
@@ -27,85 +25,83 @@ Result<void> RangeCopier::CopyRange(std::uint64_t from, std::uint64_t length) {
         length -= step;
         end_ += step;
         if (rangeLength_ == kLargestRange) {
-            if (auto done = FlushRange(); !done) {
-                return done;
-            }
+            FlushRange();
         }
     }
-    return {};
+    return TakeOutcome();
 }
 
 Result<void> RangeCopier::Append(ByteView bytes) {
-    if (auto done = FlushRange(); !done) {
-        return done;
-    }
+    FlushRange();
     end_ += bytes.size();
     while (!bytes.empty()) {
         const std::size_t step = std::min(bytes.size(), kGatheredBytes - bytes_.size());
         AppendBytes(bytes_, bytes.first(step));
         bytes = bytes.subspan(step);
         if (bytes_.size() == kGatheredBytes) {
-            if (auto done = FlushBytes(); !done) {
-                return done;
-            }
+            FlushBytes();
         }
     }
-    return {};
+    return TakeOutcome();
 }
 
 Result<void> RangeCopier::Finish() {
-    if (auto done = FlushRange(); !done) {
-        return done;
-    }
-    return FlushBytes();
+    FlushRange();
+    FlushBytes();
+    return TakeOutcome();
 }
 
-Result<void> RangeCopier::FlushBytes() {
+void RangeCopier::FlushBytes() {
     if (bytes_.empty()) {
-        return {};
+        return;
     }
-    auto done = target_->WriteAt(written_, bytes_);
+    Note(target_->WriteAt(written_, bytes_));
     written_ += bytes_.size();
     bytes_.clear();
-    return done;
 }
 
-Result<void> RangeCopier::FlushRange() {
+void RangeCopier::FlushRange() {
     std::uint64_t from = rangeFrom_;
     std::uint64_t length = std::exchange(rangeLength_, 0);
     const std::uint64_t inside = from < reader_->Size() ? reader_->Size() - from : 0;
     if (source_ != nullptr && std::min(length, inside) >= kWorthTheSystem) {
-        if (auto done = FlushBytes(); !done) {
-            return done;
-        }
+        FlushBytes();
         const auto copied =
             target_->CopyWithinSystem(*source_, from, written_, std::min(length, inside));
         if (!copied) {
-            return copied.Failure();
+            Note(copied.Failure());
         }
-        from += copied.Value();
-        length -= copied.Value();
-        written_ += copied.Value();
+        const std::uint64_t passed = copied ? copied.Value() : length;
+        from += passed;
+        length -= passed;
+        written_ += passed;
     }
-    return CopyThroughMemory(from, length);
+    CopyThroughMemory(from, length);
 }
 
-Result<void> RangeCopier::CopyThroughMemory(std::uint64_t from, std::uint64_t length) {
+void RangeCopier::CopyThroughMemory(std::uint64_t from, std::uint64_t length) {
     while (length > 0) {
-        const std::size_t room = kGatheredBytes - bytes_.size();
-        const auto step = static_cast<std::size_t>(std::min<std::uint64_t>(length, room));
-        const ByteView view = reader_->View(from, step);
-        AppendBytes(bytes_, view);
-        AppendZeros(bytes_, step - view.size());
+        const std::size_t held = bytes_.size();
+        const auto step =
+            static_cast<std::size_t>(std::min<std::uint64_t>(length, kGatheredBytes - held));
+        bytes_.resize(held + step);
+        reader_->Read(from, ByteSpan(bytes_).subspan(held));
         from += step;
         length -= step;
         if (bytes_.size() == kGatheredBytes) {
-            if (auto done = FlushBytes(); !done) {
-                return done;
-            }
+            FlushBytes();
         }
     }
-    return {};
+}
+
+void RangeCopier::Note(Result<void> done) {
+    if (outcome_ && !done) {
+        outcome_ = std::move(done);
+    }
+}
+
+Result<void> RangeCopier::TakeOutcome() {
+    return std::exchange(outcome_, Result<void>());
 }
 
 }  // namespace clipfix::platform

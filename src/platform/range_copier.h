@@ -12,6 +12,9 @@ namespace clipfix::platform {
 // Copies stretches of one file to the end of another. Stretches that follow one another in the
 // source are gathered and copied as one, inside the system where it offers that; what cannot be
 // read is copied as zero bytes and noted with `reader`. Positions and lengths are in bytes.
+//
+// An operation that could not write all answers with the reason. What comes later keeps its place
+// all the same, so a caller may pass a failure over and go on.
 class RangeCopier {
   public:
     // `source` may be null when the bytes come from something else than a plain file; all then
@@ -35,12 +38,14 @@ class RangeCopier {
     static constexpr std::size_t kGatheredBytes = std::size_t{256} << 10U;
     // Below this a copy through memory costs less than asking the system.
     static constexpr std::uint64_t kWorthTheSystem = std::uint64_t{128} << 10U;
-    // What one step copies at most, so that a caller who asks Finish at times stays in control.
-    static constexpr std::uint64_t kLargestRange = std::uint64_t{16} << 20U;
+    // What one step copies at most, so that no operation takes long and a pause takes hold soon.
+    static constexpr std::uint64_t kLargestRange = std::uint64_t{4} << 20U;
 
-    Result<void> FlushRange();
-    Result<void> FlushBytes();
-    Result<void> CopyThroughMemory(std::uint64_t from, std::uint64_t length);
+    void FlushRange();
+    void FlushBytes();
+    void CopyThroughMemory(std::uint64_t from, std::uint64_t length);
+    void Note(Result<void> done);
+    [[nodiscard]] Result<void> TakeOutcome();
 
     const File* source_;
     WindowReader* reader_;
@@ -49,7 +54,8 @@ class RangeCopier {
     std::uint64_t written_;        // position in the target behind the last byte written
     std::uint64_t rangeFrom_ = 0;  // the gathered stretch of the source
     std::uint64_t rangeLength_ = 0;
-    ByteVector bytes_;  // gathered bytes; they come before the gathered stretch
+    ByteVector bytes_;      // gathered bytes; they come before the gathered stretch
+    Result<void> outcome_;  // the first failure of the operation at hand
 };
 
 }  // namespace clipfix::platform

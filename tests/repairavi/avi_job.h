@@ -1,0 +1,97 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/bytes.h"
+#include "job/state/job_control.h"
+#include "job/state/job_front_end.h"
+#include "job/state/job_state.h"
+#include "repairavi/repair_avi.h"
+#include "support/temp_folder.h"
+
+namespace clipfix::test {
+
+// A front end of which an AVI engine needs only the progress message.
+class ProgressFrontEnd final : public JobFrontEnd {
+  public:
+    explicit ProgressFrontEnd(JobState& state) : state_(&state) {}
+
+    // The value of g_nAviPercent at each message.
+    std::vector<int> percents;
+    // Called at each message.
+    std::function<void()> onProgress;
+
+    void SendAviProgress() override {
+        percents.push_back(state_->g_nAviPercent);
+        if (onProgress) {
+            onProgress();
+        }
+    }
+
+    std::string Text(std::string_view /*key*/) override { return {}; }
+    void SetVisible(JobControlId /*control*/, bool /*visible*/) override {}
+    void SetEnabled(JobControlId /*control*/, bool /*enabled*/) override {}
+    void SetText(JobControlId /*control*/, const std::string& /*text*/,
+                 const TextStyle& /*style*/) override {}
+    void SetBar(int /*percent*/) override {}
+    void ResetBar() override {}
+    void Redraw(JobSection /*section*/) override {}
+    void StartBusyAnimation(bool /*ofSave*/) override {}
+    void StopBusyAnimation() override {}
+    void RunMessageDialog(const std::string& /*text*/, const std::string& /*title*/,
+                          const std::string& /*first*/, const std::string& /*second*/) override {}
+    void RunSystemBox(const std::string& /*text*/, const std::string& /*title*/) override {}
+    void ShowDetails() override {}
+    void ShowHomePage(bool /*rebuildSections*/) override {}
+    void StartTimer(int /*id*/, int /*milliseconds*/) override {}
+    void StopTimer(int /*id*/) override {}
+    void ClosePlayer() override {}
+    std::optional<std::string> AskSavePath(const SaveDialogRequest& /*request*/) override {
+        return std::nullopt;
+    }
+    void OpenFolder(const std::string& /*path*/) override {}
+
+  private:
+    JobState* state_;
+};
+
+// One AVI job in a folder of its own, ready to run.
+struct AviJob {
+    // `name` is the damaged file's; its last letter decides about the thumbnail.
+    explicit AviJob(ByteView damaged, const std::string& name = "damaged.avi")
+        : frontEnd(state), engine({state, control, frontEnd}, folder / "$tp") {
+        WriteFile(folder / name, damaged);
+        state.g_strCorruptCopy = (folder / name).string();
+        state.g_bAviContinue = 1;
+    }
+
+    int Run() { return engine.Repair(); }
+
+    [[nodiscard]] bool Exists(const std::string& name) const {
+        return std::filesystem::exists(folder / "$tp" / name);
+    }
+    // The repaired file; the test program ends when there is none.
+    [[nodiscard]] ByteVector Output() const { return ReadFile(folder / "$tp" / "Repaired.avi"); }
+    [[nodiscard]] ByteVector Thumbnail() const { return ReadFile(folder / "$tp" / "$tmp$.bmp"); }
+
+    TempFolder folder;
+    JobState state;
+    JobControl control{state};
+    ProgressFrontEnd frontEnd;
+    CRepairAVI engine;
+};
+
+// What the repair of these bytes gives; nothing when the engine gave up.
+[[nodiscard]] inline std::optional<ByteVector> Repaired(ByteView damaged) {
+    AviJob job(damaged);
+    if (job.Run() != 1) {
+        return std::nullopt;
+    }
+    return job.Output();
+}
+
+}  // namespace clipfix::test

@@ -1,0 +1,91 @@
+#include "repairavi/marker_search.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+#include "repairavi/avi_markers.h"
+#include "support/byte_builder.h"
+
+namespace clipfix {
+namespace {
+
+using test::ByteBuilder;
+
+ByteVector Letters(std::string_view text) {
+    return ByteBuilder().Text(text).Take();
+}
+
+TEST(RecogniseMarker, KnowsEachMarker) {
+    EXPECT_EQ(RecogniseMarker(Letters("RIFF")), Marker::Riff);
+    EXPECT_EQ(RecogniseMarker(Letters("AVI ")), Marker::Avi);
+    EXPECT_EQ(RecogniseMarker(Letters("LIST")), Marker::List);
+    EXPECT_EQ(RecogniseMarker(Letters("JUNK")), Marker::Junk);
+    EXPECT_EQ(RecogniseMarker(Letters("movi")), Marker::Movi);
+    EXPECT_EQ(RecogniseMarker(Letters("idx1")), Marker::Idx1);
+    EXPECT_EQ(RecogniseMarker(Letters("vids")), Marker::Vids);
+    EXPECT_EQ(RecogniseMarker(Letters("auds")), Marker::Auds);
+    for (const char* tag : {"dc", "db", "xx", "wb", "dc\x01\x02", "wbwb"}) {
+        EXPECT_EQ(RecogniseMarker(Letters(tag)), Marker::Tag) << tag;
+    }
+}
+
+TEST(RecogniseMarker, TellsLettersOfOneCaseFromTheOther) {
+    for (const char* other : {"riff", "avi ", "AVIX", "list", "Junk", "MOVI", "IDX1", "ix00", "DC",
+                              "pc", "tx", "indx", "odml", "id"}) {
+        EXPECT_EQ(RecogniseMarker(Letters(other)), Marker::None) << other;
+    }
+}
+
+TEST(RecogniseMarker, KnowsNoMarkerThatTheViewsEndCuts) {
+    for (const char* cut :
+         {"", "R", "RIF", "AVI", "LIS", "JUN", "mov", "idx", "vid", "aud", "d", "x", "w"}) {
+        EXPECT_EQ(RecogniseMarker(Letters(cut)), Marker::None) << cut;
+    }
+}
+
+// All forms of the search against the plain one.
+void ExpectAllAgree(ByteView bytes) {
+    const std::size_t plain = marker_search::FindPlainly(bytes, 0);
+    EXPECT_EQ(marker_search::FindBySixteen(bytes), plain);
+    EXPECT_EQ(marker_search::FindWidely(bytes), plain);
+}
+
+TEST(FindMarker, FindsEachMarkerAtEveryPlaceOfABlock) {
+    for (const char* marker :
+         {"RIFF", "AVI ", "LIST", "JUNK", "movi", "idx1", "vids", "auds", "dc", "db", "xx", "wb"}) {
+        for (std::size_t at = 0; at < 100; ++at) {
+            for (const std::size_t behind : {0U, 1U, 2U, 40U}) {
+                const ByteVector bytes =
+                    ByteBuilder().Fill(at, 0xD8).Text(marker).Fill(behind, 0xFF).Take();
+                ASSERT_EQ(FindMarker(bytes), at) << marker;
+                ExpectAllAgree(bytes);
+            }
+        }
+    }
+}
+
+TEST(FindMarker, GivesTheSizeWhereThereIsNone) {
+    for (std::size_t size = 0; size < 100; ++size) {
+        EXPECT_EQ(FindMarker(ByteVector(size)), size);
+        const ByteVector cut = ByteBuilder().Fill(size, 'd').Text("LIS").Take();
+        EXPECT_EQ(FindMarker(cut), size + 3);
+        ExpectAllAgree(cut);
+    }
+}
+
+TEST(FindMarker, AgreesInAllFormsOnRandomBytesOfTheMarkersLetters) {
+    std::mt19937 random(7);
+    const std::string_view letters = "RIFAV LSTJUNKmovidx1sauwbc\x80\xE4";
+    for (int round = 0; round < 20000; ++round) {
+        ByteVector bytes(random() % 120);
+        for (auto& byte : bytes) {
+            byte = random() % 3 == 0
+                       ? static_cast<std::uint8_t>(random())
+                       : static_cast<std::uint8_t>(letters[random() % letters.size()]);
+        }
+        ExpectAllAgree(bytes);
+    }
+}
+
+}  // namespace
+}  // namespace clipfix
