@@ -46,7 +46,8 @@ class ProgressFrontEnd final : public JobFrontEnd {
                           const std::string& /*first*/, const std::string& /*second*/) override {}
     void RunSystemBox(const std::string& /*text*/, const std::string& /*title*/) override {}
     void ShowDetails() override {}
-    void ShowHomePage(bool /*rebuildSections*/) override {}
+    int GraphicObjectCount() override { return 0; }
+    void RebuildSections() override {}
     void StartTimer(int /*id*/, int /*milliseconds*/) override {}
     void StopTimer(int /*id*/) override {}
     void ClosePlayer() override {}
