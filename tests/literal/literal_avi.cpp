@@ -1,4 +1,4 @@
-#include "support/literal_avi.h"
+#include "literal/literal_avi.h"
 
 #include <algorithm>
 #include <set>
