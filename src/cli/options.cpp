@@ -92,7 +92,7 @@ Options ParseCommandLine(int argumentCount, const char* const* arguments) {
         app.parse(argumentCount, arguments);
     } catch (const CLI::CallForHelp&) {
         const auto chosen = app.get_subcommands();
-        return Answered{chosen.empty() ? app.help() : chosen.front()->help(), false};
+        return Answered{chosen.empty() ? app.help() : chosen.front()->help("clipfix"), false};
     } catch (const CLI::CallForVersion&) {
         return Answered{"clipfix " CLIPFIX_VERSION "\n", false};
     } catch (const CLI::ParseError& error) {
@@ -104,7 +104,7 @@ Options ParseCommandLine(int argumentCount, const char* const* arguments) {
         }
         for (const auto* topic : app.get_subcommands([](const CLI::App*) { return true; })) {
             if (topic->get_name() == helpTopic) {
-                return Answered{topic->help(), false};
+                return Answered{topic->help("clipfix"), false};
             }
         }
         return WrongUse("there is no command '" + helpTopic + "'", app);

@@ -1,0 +1,64 @@
+// Loaded ahead of the C library by a test: reads of one file fail with EIO where a stretch of it
+// lies on a medium that is dying. The file and the stretch come from the environment.
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+namespace {
+
+bool IsBroken(int descriptor, off64_t from, std::size_t length) {
+    const char* file = std::getenv("FAILING_READS_FILE");
+    const char* start = std::getenv("FAILING_READS_FROM");
+    const char* count = std::getenv("FAILING_READS_LENGTH");
+    if (file == nullptr || start == nullptr || count == nullptr) {
+        return false;
+    }
+    struct stat64 one {};
+    struct stat64 other {};
+    if (::fstat64(descriptor, &one) != 0 || ::stat64(file, &other) != 0 ||
+        one.st_ino != other.st_ino || one.st_dev != other.st_dev) {
+        return false;
+    }
+    const long long first = std::atoll(start);
+    const long long last = first + std::atoll(count);
+    return first < last && from < last && first < from + static_cast<long long>(length);
+}
+
+template <typename Function>
+Function Next(const char* name) {
+    void* symbol = ::dlsym(RTLD_NEXT, name);
+    Function function = nullptr;
+    std::memcpy(&function, &symbol, sizeof function);
+    return function;
+}
+
+}  // namespace
+
+extern "C" {
+
+ssize_t pread64(int descriptor, void* buffer, std::size_t length, off64_t from) {
+    using Pread = ssize_t (*)(int, void*, std::size_t, off64_t);
+    static const auto kNext = Next<Pread>("pread64");
+    if (IsBroken(descriptor, from, length)) {
+        errno = EIO;
+        return -1;
+    }
+    return kNext(descriptor, buffer, length, from);
+}
+
+ssize_t copy_file_range(int in, off64_t* inOffset, int out, off64_t* outOffset, std::size_t length,
+                        unsigned flags) {
+    using Copy = ssize_t (*)(int, off64_t*, int, off64_t*, std::size_t, unsigned);
+    static const auto kNext = Next<Copy>("copy_file_range");
+    if (inOffset != nullptr && IsBroken(in, *inOffset, length)) {
+        errno = EIO;
+        return -1;
+    }
+    return kNext(in, inOffset, out, outOffset, length, flags);
+}
+}
