@@ -59,16 +59,31 @@ std::uint32_t BitReader::ReadUe() noexcept {
 
 std::uint64_t BitReader::SkipZeros() noexcept {
     const std::uint64_t start = position_;
-    while (position_ < codeEnd_) {
-        const std::uint64_t word = Peek();
-        if (word == 0) {
-            position_ += 57;
-            continue;
-        }
-        position_ += static_cast<unsigned>(std::countl_zero(word));
-        break;
+    if (start >= codeEnd_) {
+        return 0;
     }
-    position_ = std::clamp(position_, start, std::max(start, codeEnd_));
+    const std::uint64_t word = Peek();
+    if (word != 0) {
+        position_ += static_cast<unsigned>(std::countl_zero(word));
+    } else {
+        std::size_t at = BytePosition() + 1;
+        std::uint64_t eight = 0;
+        while (at + sizeof eight <= bytes_.size()) {
+            std::memcpy(&eight, bytes_.data() + at, sizeof eight);
+            if (eight != 0) {
+                break;
+            }
+            at += sizeof eight;
+        }
+        while (at < bytes_.size() && bytes_[at] == 0) {
+            ++at;
+        }
+        MoveTo(at);
+        if (at < bytes_.size()) {
+            position_ += static_cast<unsigned>(std::countl_zero(bytes_[at]));
+        }
+    }
+    position_ = std::min(position_, codeEnd_);
     return position_ - start;
 }
 
