@@ -11,6 +11,10 @@ add_library(clipfix_common INTERFACE)
 target_compile_options(clipfix_common INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
   -Wold-style-cast -Woverloaded-virtual -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 sees overlapping copies in optimised assignments of one-letter strings (its bug 105651).
+  target_compile_options(clipfix_common INTERFACE -Wno-restrict)
+endif()
 target_compile_definitions(clipfix_common INTERFACE _FILE_OFFSET_BITS=64
   CLIPFIX_VERSION="${PROJECT_VERSION}")
 target_include_directories(clipfix_common INTERFACE "${PROJECT_SOURCE_DIR}/src")
