@@ -103,7 +103,8 @@ TEST(HostileMoov, IsReadFromRandomHeads) {
         ByteBuilder bytes;
         bytes.Big32(0).Text("moov");
         while (bytes.Size() < 2000) {
-            bytes.Big32(static_cast<std::uint32_t>(random() % 400)).Text(kCodes[random() % kCodes.size()]);
+            bytes.Big32(static_cast<std::uint32_t>(random() % 400))
+                .Text(kCodes[random() % kCodes.size()]);
             bytes.Zeros(random() % 20);
         }
         UseUp(bytes.View());
