@@ -267,7 +267,7 @@ struct FoundMovie {
 
 // Writes the repaired movie; gives its path.
 std::filesystem::path WriteRepaired(const RealMovie& movie, const FoundMovie& found) {
-    const auto path = movie.folder / "Repaired.mov";
+    auto path = movie.folder / "Repaired.mov";
     auto file = platform::File::Create(path, platform::File::Existing::Refuse);
     EXPECT_TRUE(file);
     EXPECT_TRUE(file.Value().WriteAt(0, found.output));
