@@ -84,7 +84,7 @@ TEST(CElst, HasNoEntryWhereTwelveBytesDoNotFit) {
 
 TEST(CEditListEntry, DividesTheRateBy65535AndTakesByteFourForTheLowByteOfTheDuration) {
     const ByteVector bytes =
-        ByteBuilder().Big32(0x01020304).Big32(0xA5000000).Big32(0x00020000).Take();
+        ByteBuilder().Big32(0x01020304).Big32(0xA5000000).Big32(0x0001FFFE).Take();
     const CEditListEntry entry(AtomBlock::Of(bytes));
     EXPECT_EQ(entry.trackDuration, 0x010203A5U);
     EXPECT_EQ(entry.mediaTime, 0xA5000000U);
