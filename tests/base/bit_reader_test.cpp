@@ -170,7 +170,7 @@ class PlainReader {
     PlainReader(ByteView bytes, std::size_t limit) : bytes_(bytes), limit_(limit) {}
 
     std::uint32_t Bit() {
-        const std::uint32_t bit = (ByteAt(bytes_, byte_) >> (7 - bit_)) & 1U;
+        const std::uint32_t bit = (std::uint32_t{ByteAt(bytes_, byte_)} >> (7 - bit_)) & 1U;
         if (++bit_ == 8) {
             bit_ = 0;
             ++byte_;
