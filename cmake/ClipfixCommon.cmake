@@ -25,6 +25,11 @@ if(CLIPFIX_SANITIZE)
   target_link_options(clipfix_common INTERFACE -fsanitize=${CLIPFIX_SANITIZE})
 endif()
 
+# The libraries under a fuzz target tell the fuzzer which of their branches an input has reached.
+if(CLIPFIX_FUZZ)
+  target_compile_options(clipfix_common INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 find_program(CLIPFIX_CCACHE ccache)
 if(CLIPFIX_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CLIPFIX_CCACHE}")
