@@ -6,18 +6,24 @@
 
 namespace clipfix {
 
+namespace {
+
+// Eight bytes that are there, as one load where the compiler has a byte swap.
+std::uint64_t LoadBig64(const std::uint8_t* bytes) noexcept {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    if constexpr (std::endian::native == std::endian::little) {
+        word = __builtin_bswap64(word);
+    }
+    return word;
+}
+
+}  // namespace
+
 std::uint64_t BitReader::Peek() const noexcept {
     const std::size_t at = BytePosition();
-    std::uint64_t word = 0;
-    if (at < bytes_.size() && bytes_.size() - at >= sizeof word) {
-        // Written so that compilers make one load and a byte swap of it.
-        const std::uint8_t* first = bytes_.data() + at;
-        for (std::size_t i = 0; i < sizeof word; ++i) {
-            word = (word << 8U) | first[i];
-        }
-    } else {
-        word = ReadBig64(bytes_, at);
-    }
+    const bool isWhole = at < bytes_.size() && bytes_.size() - at >= sizeof(std::uint64_t);
+    const std::uint64_t word = isWhole ? LoadBig64(bytes_.data() + at) : ReadBig64(bytes_, at);
     return word << BitPosition();
 }
 
