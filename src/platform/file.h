@@ -62,6 +62,10 @@ class File final : public ReadableFile {
     // Brings what was written to the medium.
     Result<void> Flush();
 
+    // Has the system begin with that for a stretch that was written, without waiting for it. Done
+    // as a long file is written, it leaves little for Flush, which nobody can interrupt.
+    void BeginFlush(std::uint64_t offset, std::uint64_t length);
+
     // Copies up to `length` bytes of `source` from `from` to `to` of this file inside the system,
     // without a buffer of ours. Gives how many were copied; 0 means that the system does not offer
     // it for these two files, or stands at the source's end, and the caller copies by itself.

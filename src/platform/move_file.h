@@ -15,7 +15,8 @@ using MoveProgress = std::function<bool(std::uint64_t transferred, std::uint64_t
 // system it is a rename, after which `progress` is told once. Otherwise the bytes are copied,
 // inside the system where it offers that, with `progress` told at the start and after each piece;
 // the copy is brought to the medium before the source is deleted. When `progress` answers false
-// (Cancelled), and after any failure, the source stands as it was and the destination is gone.
+// (Cancelled), and after a failure, the source stands as it was and there is no destination, or the
+// one that stood there before. Only where the source cannot be deleted do both stand in the end.
 Result<void> MoveFileWithProgress(const std::filesystem::path& source,
                                   const std::filesystem::path& destination,
                                   const MoveProgress& progress);

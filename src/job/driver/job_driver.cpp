@@ -15,16 +15,16 @@ JobDriver::JobDriver(JobContext context, JobEngines& engines, JobClock& clock, S
       settings_(std::move(settings)) {}
 
 JobDriver::~JobDriver() {
+    leaving_ = true;
+    state_.g_lSaveContinue = 0;
+    control_.Resume(JobControl::Worker::Save);
+    CancelAtOnce();
     WaitForWorkers();
 }
 
 void JobDriver::WaitForWorkers() {
-    if (worker_.joinable()) {
-        worker_.join();
-    }
-    if (savePage_ != nullptr) {
-        savePage_->WaitForThread();
-    }
+    repairWorkers_.WaitForAll();
+    saveWorkers_.WaitForAll();
 }
 
 void JobDriver::MakeWorkFolder() {
@@ -45,25 +45,28 @@ void JobDriver::StopBusyAnimation() {
 }
 
 void JobDriver::Note(int kind, std::string_view textKey) {
-    state_.g_nMessageKind = kind;
-    frontEnd_.RunMessageDialog(frontEnd_.Text(textKey), frontEnd_.Text("IDS_INFORMATION"), "",
-                               "Ok");
-    control_.Wake();
+    RunDialog(kind, textKey, "IDS_INFORMATION", "", "Ok");
 }
 
 void JobDriver::Question(int kind, std::string_view textKey) {
+    RunDialog(kind, textKey, "IDS_CONFIRMATION", "Yes", "No");
+}
+
+// The labels are those of a question; at kind 4 the dialog makes a note of it.
+void JobDriver::TellUnhealthy() {
+    RunDialog(4, "IDS_UNHEALTHY_1", "IDS_INFORMATION", "Yes", "No");
+}
+
+void JobDriver::RunDialog(int kind, std::string_view textKey, std::string_view titleKey,
+                          const std::string& firstLabel, const std::string& secondLabel) {
     state_.g_nMessageKind = kind;
-    frontEnd_.RunMessageDialog(frontEnd_.Text(textKey), frontEnd_.Text("IDS_CONFIRMATION"), "Yes",
-                               "No");
-    control_.Wake();
+    frontEnd_.RunMessageDialog(frontEnd_.Text(textKey), frontEnd_.Text(titleKey), firstLabel,
+                               secondLabel);
+    control_.Wake();  // a worker may be waiting for the answer
 }
 
 void JobDriver::SetText(JobControlId control, std::string_view key, const TextStyle& style) {
     frontEnd_.SetText(control, frontEnd_.Text(key), style);
-}
-
-void JobDriver::ShowPercent(int percent) {
-    frontEnd_.SetText(JobControlId::PercentText, std::to_string(percent) + "%", {});
 }
 
 void JobDriver::Show(std::initializer_list<JobControlId> controls) {

@@ -2,16 +2,17 @@
 
 #include <atomic>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include "job/driver/job_clock.h"
 #include "job/driver/job_engines.h"
 #include "job/driver/save_page.h"
+#include "job/driver/worker_threads.h"
 #include "job/state/job_control.h"
 #include "job/state/job_front_end.h"
 #include "job/state/job_state.h"
@@ -36,12 +37,15 @@ inline constexpr int kHomeTimer = 1111;
 inline constexpr int kSaveTimer = 503;
 
 // The commands of the job flow, from the Repair button to the saved file. One object serves one
-// window, or one run of the command line; it holds the workers of its jobs and waits for them when
-// it goes. The commands are called on the interface thread, the `...ThreadProc` run on a worker.
+// window, or one run of the command line. The commands are called on the interface thread; those
+// of them that end a job (the home step) run on its worker as well.
+//
+// When the object goes, whatever still runs is left at its next checkpoint, without a word, and
+// waited for. The front end must by then answer without the interface thread's help.
 class JobDriver {
   public:
     struct Settings {
-        std::filesystem::path workFolder;  // made when a job needs it
+        std::filesystem::path workFolder;  // absolute; made when a job needs it
     };
 
     // All that is handed over outlives the driver.
@@ -69,10 +73,12 @@ class JobDriver {
     // Leaves the running job at the next checkpoint without asking; for a person's Ctrl-C.
     void CancelAtOnce();
 
-    // Waits until no worker runs. Not to be called from a worker.
+    // Waits until no worker runs. Not to be called from a worker, nor by a thread that a worker's
+    // front end has to wait for.
     void WaitForWorkers();
 
     [[nodiscard]] JobEnd End() const { return end_; }
+    // The engine of the last job of its kind, kept for the details. To be asked when no job runs.
     [[nodiscard]] const MovJob* CurrentMovJob() const { return movJob_.get(); }
     [[nodiscard]] const AviJob* CurrentAviJob() const { return aviJob_.get(); }
     [[nodiscard]] const std::filesystem::path& WorkFolder() const { return settings_.workFolder; }
@@ -80,10 +86,11 @@ class JobDriver {
     void MakeWorkFolder();
 
   private:
+    friend class CSavePage;
     enum class SpaceTest { Fits, TooSmall, CannotOpen };
+    using JobNumber = unsigned;
 
     // The Repair command.
-    void ShowProgressView();
     void StartMovJob();
     void StartAviJob();
     void StartWorker();
@@ -91,38 +98,58 @@ class JobDriver {
     void LeaveForWantOfSpace();
 
     // The repair worker.
-    void RepairThreadProc();
-    void RunMovJob();
-    void RunAviJob();
+    void RepairThreadProc(JobNumber job);
+    void RunMovJob(JobNumber job);
+    void WriteRepairedMovie();
     void EndWithoutMovie();
-    void ShowReferencePage();
-    void EndMovJob();
+    void NeedReference();
+    void EndMovJob(JobNumber job);
+    void EndLateCancelledMovJob();
+    void RunAviJob(JobNumber job);
+    void EndAviJob(JobNumber job);
     void FinishRepair();
-    void MakeAviPlayerArgs();
-    void WaitForAnswerToGo();
     void GoHomeAs(JobEnd end);
+    [[nodiscard]] bool StandAndGoOn(JobNumber job);
+    [[nodiscard]] bool WaitForAnswerToGo(JobNumber job);
+    [[nodiscard]] bool IsReleased(JobNumber job) const;
+    void SetOutputPath(std::string path);
+    [[nodiscard]] std::string OutputPath() const;
 
     // Pause and cancel.
     void CancelRepair();
     void CancelAfterYes();
+    void EndedBehindTheQuestion();
     void CancelSave();
+    void CancelSaveAfterYes();
+    void PauseSave();
+    void ResumeSave();
 
     // Save.
-    void ShowSaving();
+    [[nodiscard]] std::optional<std::string> AskSavePath();
     [[nodiscard]] bool SaveFits() const;
-    friend class CSavePage;
 
     // Home and close.
+    void RefuseWhileRepairing();
     void DeleteResult();
+
+    // The pages.
+    void ShowProgressView();
+    void ShowProgressControls();
+    void ShowReferencePage();
+    void ShowFinishedPage();
+    void ShowSaving();
     void ShowHomeState();
+    void ShowPercent(int percent);
 
     // Small tools.
     void StartBusyAnimation(bool ofSave);
     void StopBusyAnimation();
     void Note(int kind, std::string_view textKey);
     void Question(int kind, std::string_view textKey);
+    void TellUnhealthy();
+    void RunDialog(int kind, std::string_view textKey, std::string_view titleKey,
+                   const std::string& firstLabel, const std::string& secondLabel);
     void SetText(JobControlId control, std::string_view key, const TextStyle& style = {});
-    void ShowPercent(int percent);
     void Show(std::initializer_list<JobControlId> controls);
     void Hide(std::initializer_list<JobControlId> controls);
 
@@ -133,15 +160,26 @@ class JobDriver {
     JobClock& clock_;
     Settings settings_;
 
+    // Held for a moment where a worker and the interface thread may meet: g_strOutputPath,
+    // g_strReferencePath and the engines of the job. Never while the front end is called.
+    mutable std::mutex meeting_;
     std::unique_ptr<MovJob> movJob_;
     std::unique_ptr<AviJob> aviJob_;
+    std::atomic<bool> aviEngineRuns_{false};
+    std::mutex workerTurn_;  // held by the one repair worker that works
+
     std::atomic<bool> hasWorker_{false};  // g_pWorkerThread is not null
     std::atomic<bool> clockRuns_{false};  // the id of timer 1 is not 0
-    std::thread worker_;
+    std::atomic<JobNumber> job_{0};       // counts the Repair commands
+    std::atomic<bool> leaving_{false};    // the driver is about to go
     std::atomic<JobEnd> end_{JobEnd::None};
 
-    std::unique_ptr<CSavePage> savePage_;
-    bool aviSaveWasAborted_ = false;  // once in the life of the process
+    std::shared_ptr<CSavePage> savePage_;
+    std::atomic<bool> aviSaveWasAborted_{false};
+
+    // Last, so that the workers have ended before anything that they use goes.
+    WorkerThreads repairWorkers_;
+    WorkerThreads saveWorkers_;
 };
 
 }  // namespace clipfix

@@ -53,6 +53,10 @@ void JobDriver::CancelRepair() {
     }
     Question(2, "IDS_CANCEL_DLG_MSG ");  // the key ends with a blank
     frontEnd_.Redraw(JobSection::Frame);
+    if (state_.g_bRepairRunning != 1) {
+        EndedBehindTheQuestion();
+        return;
+    }
     // The MOV percent stays 0 in an AVI job, so there the second test always passes.
     if (state_.g_bMessageYes == 1 && state_.g_nMovPercent < kTooLateToCancel) {
         CancelAfterYes();
@@ -61,6 +65,14 @@ void JobDriver::CancelRepair() {
     // A job that the person had paused goes on as well, and its button reads Pause. That is meant.
     state_.g_bRepairPaused = 1;
     OnPauseResume();
+}
+
+// The worker was on its last steps when it was suspended, and past its last checkpoint. Its page
+// stands, whatever the answer was.
+void JobDriver::EndedBehindTheQuestion() {
+    state_.g_bRepairPaused = 0;
+    SetText(Pause, "IDS_PAUSE");
+    control_.Resume(JobControl::Worker::Repair);
 }
 
 // The flag that lets a MOV engine go is set only after the note was closed: g_bRepairPaused stays
@@ -78,7 +90,7 @@ void JobDriver::CancelAfterYes() {
     if (movJob) {
         if (state_.g_bMajorVersion6 == 0) {
             std::error_code ignored;
-            std::filesystem::remove(state_.g_strOutputPath, ignored);
+            std::filesystem::remove(OutputPath(), ignored);
         }
         Note(3, "IDS_REPAIR_ABORTED");
         frontEnd_.Redraw(JobSection::Frame);
@@ -89,6 +101,43 @@ void JobDriver::CancelAfterYes() {
     control_.Wake();
     SetText(Pause, "IDS_PAUSE");
     Hide({Save, Home});
+}
+
+// A save stands still while it is asked about, and its clock with it.
+void JobDriver::PauseSave() {
+    state_.g_nPauseAccounted = 0;
+    state_.g_tPause = clock_.Now();
+    state_.g_bRepairPaused = 1;
+    control_.Suspend(JobControl::Worker::Save);
+}
+
+void JobDriver::ResumeSave() {
+    state_.g_bRepairPaused = 0;
+    control_.Resume(JobControl::Worker::Save);
+}
+
+void JobDriver::CancelSave() {
+    PauseSave();
+    Question(2, "IDS_CANCEL_DLG_MSG ");  // the key ends with a blank
+    frontEnd_.Redraw(JobSection::Frame);
+    if (state_.g_bMessageYes == 1) {
+        CancelSaveAfterYes();
+    } else {
+        ResumeSave();
+    }
+}
+
+void JobDriver::CancelSaveAfterYes() {
+    state_.g_bSaving = 0;
+    state_.g_lSaveContinue = 0;
+    ResumeSave();
+    clock_.Sleep(50);
+    std::error_code ignored;
+    std::filesystem::remove(state_.g_strSavePath, ignored);
+    StopBusyAnimation();
+    Note(3, "IDS_SAVE_ABORTED");
+    OnHomePage();
+    frontEnd_.Redraw(JobSection::Frame);
 }
 
 void JobDriver::CancelAtOnce() {

@@ -7,18 +7,17 @@ namespace clipfix {
 
 namespace {
 
-using enum JobControlId;
-
-// Kept free on the file system of the work folder.
+// Bytes kept free on the file system of the work folder.
 constexpr std::int64_t kReserve = 104857600;
 
 }  // namespace
 
 void JobDriver::OnRepair() {
-    if (worker_.joinable()) {
-        worker_.join();  // one that has ended; the button is hidden while a job runs
-    }
+    // A worker of an earlier job may still be waiting for an answer. It has nothing to go home from
+    // any more, and leaves.
+    ++job_;
     control_.Resume(JobControl::Worker::Repair);
+    control_.Wake();
     end_ = JobEnd::None;
     state_.bytesUnreadable = 0;
     state_.writeFailed = 0;
@@ -39,32 +38,10 @@ void JobDriver::OnRepair() {
     }
 }
 
-void JobDriver::ShowProgressView() {
-    const bool movJob = state_.g_bMovJob == 1;
-    SetText(Title, "IDS_REPAIRING_VIDEO");
-    frontEnd_.Redraw(JobSection::Top);
-    Hide({Repair, Back});
-    Show({Pause, Cancel});
-    Hide({AddFile});
-    if (movJob) {
-        Hide({ChooseReference, WhyHealthyLink});
-    }
-    SetText(StatusText, movJob ? "IDS_PLEASE_WAIT_ANALYSING" : "IDS_PLEASE_WAIT");
-    SetText(StartTimeCaption, "IDS_START_TIME");
-    SetText(ElapsedTimeCaption, "IDS_ELAPSED_TIME");
-    frontEnd_.SetText(StartTimeValue, " 00:00:00", {});
-    frontEnd_.SetText(ElapsedTimeValue, " 00:00:00", {});
-    ShowPercent(0);
-    Show({StatusText, ProgressBar, StartTimeCaption, ElapsedTimeCaption, StartTimeValue,
-          ElapsedTimeValue, PercentText});
-    frontEnd_.ResetBar();
-    frontEnd_.Redraw(JobSection::Centre);
-    StartBusyAnimation(false);
-}
-
 void JobDriver::StartMovJob() {
     if (state_.g_strReferencePath.empty()) {
         // The first run of a job: the damaged file is its own reference.
+        const std::lock_guard lock(meeting_);
         state_.g_strReferencePath = state_.g_strCorruptPath;
         state_.g_strCheckedPath = state_.g_strReferencePath;
     }
@@ -128,12 +105,16 @@ void JobDriver::LeaveForWantOfSpace() {
     OnHomePage();
 }
 
+// The clock runs before the worker does, so that a job that ends at once finds it to be stopped.
+// Where the system gives no thread the progress view stays, and Cancel leads out.
 void JobDriver::StartWorker() {
-    hasWorker_ = true;
-    worker_ = std::thread([this] { RepairThreadProc(); });
     clockRuns_ = true;
     frontEnd_.StartTimer(kClockTimer, 1000);
     state_.g_tStart = clock_.Now();
+    hasWorker_ = true;
+    if (!repairWorkers_.Start([this, job = job_.load()] { RepairThreadProc(job); })) {
+        hasWorker_ = false;
+    }
 }
 
 }  // namespace clipfix

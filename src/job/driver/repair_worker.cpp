@@ -1,187 +1,212 @@
-#include <cstdio>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "job/driver/job_driver.h"
+#include "job/driver/player_args.h"
 #include "job/state/job_paths.h"
 
-// The repair worker: from the structure check or the AVI engine to the end of the job.
+// The repair worker: from the structure check or the AVI engine to the end of the job. Between two
+// of its steps it stands while it is suspended, so that nothing changes behind a question.
 namespace clipfix {
 
 namespace {
 
 using enum JobControlId;
 
-// Both counts are of bytes.
-constexpr std::uint64_t kGiB = 1073741824;
-constexpr double kBytesInMiB = 1048576.0;
-
-std::string SizeText(std::uint64_t bytes) {
-    char text[64];
-    if (bytes >= kGiB) {
-        std::snprintf(text, sizeof text, "%.2f GB",
-                      static_cast<double>(bytes) / static_cast<double>(kGiB));
-    } else {
-        std::snprintf(text, sizeof text, "%.2f MB", static_cast<double>(bytes) / kBytesInMiB);
-    }
-    return text;
-}
+// What an output path becomes that names no file any more.
+constexpr const char* kNoOutput = " ";
 
 }  // namespace
 
-void JobDriver::RepairThreadProc() {
+void JobDriver::RepairThreadProc(JobNumber job) {
+    // Exactly one worker works. An earlier one may still be inside a read of a medium that is dying
+    // when its job was cancelled and the next one begun.
+    const std::lock_guard turn(workerTurn_);
+    if (!StandAndGoOn(job)) {
+        return;
+    }
     state_.g_bJobFailed = 0;
     if (state_.g_bMovJob == 1) {
-        RunMovJob();
+        RunMovJob(job);
     } else {
-        RunAviJob();
+        RunAviJob(job);
     }
 }
 
-void JobDriver::RunMovJob() {
+void JobDriver::RunMovJob(JobNumber job) {
     if (state_.g_strCheckedPath.empty()) {
-        EndMovJob();
+        EndMovJob(job);
         return;
     }
-    movJob_ = engines_.MakeMovJob({state_, control_, frontEnd_});
+    auto engine = engines_.MakeMovJob({state_, control_, frontEnd_});
+    {
+        const std::lock_guard lock(meeting_);
+        movJob_ = std::move(engine);
+    }
     frontEnd_.SetText(StatusText, "Analyzing video file...",
                       {.height = 20, .colour = 0x4B4B4B, .face = "Segoe UI", .fill = 0xFFFFFF});
-    if (!movJob_->ReadStructure()) {
+    const bool holdsMovie = movJob_->ReadStructure();
+    if (!StandAndGoOn(job)) {
+        return;
+    }
+    if (!holdsMovie) {
         EndWithoutMovie();
         return;
     }
     movJob_->FindSamples();
-    MakeWorkFolder();
-    const auto output = settings_.workFolder / kRepairedMovName;
-    std::error_code ignored;
-    std::filesystem::remove(output, ignored);
-    state_.g_strOutputPath = output.string();
-    movJob_->WriteRepairedFile(state_.g_strOutputPath, state_.g_strCorruptPath);
-    EndMovJob();
+    WriteRepairedMovie();
+    if (StandAndGoOn(job)) {
+        EndMovJob(job);
+    }
 }
 
+void JobDriver::WriteRepairedMovie() {
+    MakeWorkFolder();
+    const std::string output = (settings_.workFolder / kRepairedMovName).string();
+    std::error_code ignored;
+    std::filesystem::remove(output, ignored);
+    SetOutputPath(output);
+    movJob_->WriteRepairedFile(output, state_.g_strCorruptPath);
+}
+
+// The file under structure check holds no movie, or the check was cancelled, which looks alike.
 void JobDriver::EndWithoutMovie() {
     const bool wasCancelled = state_.g_lJobAlive == 0;
-    // Compared to the letter: a path that differs only in case is another file.
+    // Compared to the letter: a path that differs only in case is another file, and a reference
+    // that is the damaged file itself asks for a reference again.
     if (state_.g_strReferencePath == state_.g_strCorruptPath) {
-        StopBusyAnimation();
-        state_.g_bRepairPaused = 0;
-        state_.g_bRepairRunning = 0;
-        state_.g_strReferencePath.clear();
-        ShowReferencePage();
+        NeedReference();
         end_ = wasCancelled ? JobEnd::Cancelled : JobEnd::ReferenceNeeded;
         return;
     }
-    state_.g_nMessageKind = 4;
-    frontEnd_.RunMessageDialog(frontEnd_.Text("IDS_UNHEALTHY_1"), frontEnd_.Text("IDS_INFORMATION"),
-                               "Yes", "No");
+    TellUnhealthy();
     state_.g_bRepairRunning = 0;
     GoHomeAs(wasCancelled ? JobEnd::Cancelled : JobEnd::ReferenceUnusable);
 }
 
-void JobDriver::ShowReferencePage() {
-    Hide({AddFile});
-    for (const auto control : {ChooseReference, WhyHealthyLink}) {
-        frontEnd_.SetEnabled(control, true);
-        frontEnd_.SetVisible(control, true);
+void JobDriver::NeedReference() {
+    StopBusyAnimation();
+    {
+        const std::lock_guard lock(meeting_);
+        state_.g_strReferencePath.clear();
     }
-    frontEnd_.SetText(JobControlId::CorruptedLabel, state_.g_strCorruptLabel, {});
-    frontEnd_.SetVisible(JobControlId::CorruptedLabel, true);
-    constexpr std::uint32_t kRed = 0x0000FF;
-    SetText(ReferenceText, "IDS_SELECT_REFERENCE", {.colour = kRed});
-    frontEnd_.SetVisible(ReferenceText, true);
-    SetText(Title, "IDS_SELECT_REFERNCE_HEADER",
-            {.height = 25, .colour = 0x4B4B4B, .face = "Segoe UI", .fill = 0xF7F7F7});
-    frontEnd_.SetEnabled(Repair, false);
-    Show({Repair});
-    frontEnd_.SetEnabled(Back, true);
-    Show({Back});
-    Hide({Pause, Cancel, StatusText, ProgressBar, StartTimeCaption, ElapsedTimeCaption,
-          StartTimeValue, ElapsedTimeValue, PercentText});
+    state_.g_bRepairPaused = 0;
+    state_.g_bRepairRunning = 0;
+    ShowReferencePage();
 }
 
-void JobDriver::EndMovJob() {
+void JobDriver::EndMovJob(JobNumber job) {
     if (state_.g_bJobFailed == 0 && state_.g_lJobAlive != 0) {
         state_.g_lJobAlive = 0;
         if (state_.g_bRepairCancelled == 1) {
-            // A cancel that came too late to stop the engine.
-            state_.g_strOutputPath = " ";
-            frontEnd_.SendAviProgress();
-            frontEnd_.RunSystemBox(frontEnd_.Text("IDS_WORD8"), frontEnd_.Text("IDS_INFORMATION"));
-            end_ = JobEnd::Cancelled;
-            return;
+            EndLateCancelledMovJob();
+        } else {
+            FinishRepair();
         }
-        FinishRepair();
         return;
     }
     const bool failed = state_.g_bJobFailed != 0;
-    WaitForAnswerToGo();
-    state_.g_bRepairRunning = 0;
-    GoHomeAs(failed ? JobEnd::NothingRecovered : JobEnd::Cancelled);
+    if (WaitForAnswerToGo(job)) {
+        state_.g_bRepairRunning = 0;
+        GoHomeAs(failed ? JobEnd::NothingRecovered : JobEnd::Cancelled);
+    }
 }
 
-void JobDriver::RunAviJob() {
+// A cancel that came before the structure check had set its flag, or too late to clear it.
+void JobDriver::EndLateCancelledMovJob() {
+    SetOutputPath(kNoOutput);
+    frontEnd_.SendAviProgress();
+    frontEnd_.RunSystemBox(frontEnd_.Text("IDS_WORD8"), frontEnd_.Text("IDS_INFORMATION"));
+    end_ = JobEnd::Cancelled;
+}
+
+void JobDriver::RunAviJob(JobNumber job) {
     state_.g_lJobAlive = 1;
-    aviJob_ = engines_.MakeAviJob({state_, control_, frontEnd_});
-    if (aviJob_->Repair() == 0) {
-        state_.g_nMessageKind = 4;
-        frontEnd_.RunMessageDialog(frontEnd_.Text("IDS_UNHEALTHY_1"),
-                                   frontEnd_.Text("IDS_INFORMATION"), "Yes", "No");
+    auto engine = engines_.MakeAviJob({state_, control_, frontEnd_});
+    {
+        const std::lock_guard lock(meeting_);
+        aviJob_ = std::move(engine);
+    }
+    aviEngineRuns_ = true;
+    const int result = aviJob_->Repair();
+    aviEngineRuns_ = false;
+    if (!StandAndGoOn(job)) {
+        return;
+    }
+    if (result == 0) {
+        TellUnhealthy();
         state_.g_bJobFailed = 1;
     } else {
-        MakeAviPlayerArgs();
+        state_.g_strPlayerArgs = AviPlayerArgs(state_);
     }
+    EndAviJob(job);
+}
+
+void JobDriver::EndAviJob(JobNumber job) {
     hasWorker_ = false;
-    if (state_.g_bJobFailed == 1 || state_.g_bAviContinue == 0) {
-        const bool failed = state_.g_bJobFailed == 1;
-        WaitForAnswerToGo();
+    const bool failed = state_.g_bJobFailed == 1;
+    if (!failed && state_.g_bAviContinue != 0) {
+        FinishRepair();
+        return;
+    }
+    // No note follows the cancel of an AVI job: the worker waits here, with Pause and Cancel on
+    // the page, for whatever dialog is closed next. That is meant.
+    if (WaitForAnswerToGo(job)) {
         Hide({Cancel});
         state_.g_bRepairRunning = 0;
         state_.g_bJobFailed = 0;
         GoHomeAs(failed ? JobEnd::NothingRecovered : JobEnd::Cancelled);
-        return;
     }
-    FinishRepair();
-}
-
-void JobDriver::MakeAviPlayerArgs() {
-    state_.g_strPlayerArgs = state_.g_strAviRepairedPath + "$$" + state_.g_strCorruptName + "$$" +
-                             SizeText(state_.g_ullAviRiffBody) + "$$" + "$$0";
 }
 
 void JobDriver::FinishRepair() {
     ++state_.g_nFinishedJobs;
     state_.g_bRepairCancelled = 0;
+    // The clock of a coming save starts from here until the save resets it.
     frontEnd_.StopTimer(kClockTimer);
     frontEnd_.StartTimer(kClockTimer, 1000);
     clockRuns_ = true;
     state_.g_tStart = clock_.Now();
     state_.g_bRepairRunning = 0;
-    SetText(Title, "IDS_REPAIRED_DETAILS");
-    frontEnd_.ShowDetails();
-    frontEnd_.Redraw(JobSection::Centre);
-    Hide({SelectedText});
-    if (state_.g_bMovJob == 1) {
-        Hide({JobControlId::CorruptedLabel, ReferenceText});
-    } else {
-        Hide({PathLabel});
-    }
-    Hide({Cancel, Pause});
-    Show({Home, Preview, Save});
+    ShowFinishedPage();
     hasWorker_ = false;
     frontEnd_.Redraw(JobSection::Bottom);
     end_ = JobEnd::Repaired;
 }
 
-// The answer Yes of a cancel stands until a later dialog is closed with No or OK: after the note
-// of a MOV job's cancel, or, in an AVI job, whatever dialog comes next.
-void JobDriver::WaitForAnswerToGo() {
-    control_.WaitUntil([this] { return state_.g_bMessageYes != 1; });
-}
-
 void JobDriver::GoHomeAs(JobEnd end) {
     OnHome();
     end_ = end;
+}
+
+// Waits while the worker is suspended. False when the worker is to leave without a word.
+bool JobDriver::StandAndGoOn(JobNumber job) {
+    control_.WaitWhileSuspended(JobControl::Worker::Repair);
+    return !IsReleased(job);
+}
+
+// The answer Yes of a cancel stands until a later dialog is closed with No or OK: the note of a
+// MOV job's cancel, or, in an AVI job, whatever dialog comes next. False when the worker is to
+// leave without a word.
+bool JobDriver::WaitForAnswerToGo(JobNumber job) {
+    control_.WaitUntil([&] { return state_.g_bMessageYes != 1 || IsReleased(job); });
+    return !IsReleased(job);
+}
+
+// Another job began, or the driver is about to go.
+bool JobDriver::IsReleased(JobNumber job) const {
+    return leaving_ || job_ != job;
+}
+
+void JobDriver::SetOutputPath(std::string path) {
+    const std::lock_guard lock(meeting_);
+    state_.g_strOutputPath = std::move(path);
+}
+
+std::string JobDriver::OutputPath() const {
+    const std::lock_guard lock(meeting_);
+    return state_.g_strOutputPath == kNoOutput ? std::string() : state_.g_strOutputPath;
 }
 
 }  // namespace clipfix

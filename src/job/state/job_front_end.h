@@ -27,6 +27,7 @@ enum class JobControlId {
     PercentText,
     DetailsGrid,
     PlayPicture,
+    BusyAnimation,  // only ever hidden by this id; it is shown by being started
     // Bottom section.
     Repair,
     Pause,
@@ -86,7 +87,9 @@ class JobFrontEnd {
     virtual void StopBusyAnimation() = 0;
 
     // Runs the message dialog of the kind in g_nMessageKind and comes back when it was closed.
-    // The implementation ends it by CloseMessage below. An empty first label makes it a note.
+    // The implementation ends it by CloseMessage below. An empty first label makes it a note. Who
+    // runs such a dialog past the job's driver calls JobControl::Wake() behind it: a worker may be
+    // waiting for the answer.
     virtual void RunMessageDialog(const std::string& text, const std::string& title,
                                   const std::string& firstLabel,
                                   const std::string& secondLabel) = 0;
@@ -101,7 +104,8 @@ class JobFrontEnd {
     virtual void ShowDetails() = 0;
     // How many graphic objects the interface holds; a window that leaks none answers what it has.
     [[nodiscard]] virtual int GraphicObjectCount() = 0;
-    // Destroys the three sections and makes them anew, in the state in which they are created.
+    // Destroys the three sections and makes them anew, in the state in which they are created. All
+    // timers end with them, the one that led home after a save among them.
     virtual void RebuildSections() = 0;
 
     // Timers of the interface thread, by id and period in milliseconds.

@@ -163,6 +163,14 @@ Result<void> File::Flush() {
     return {};
 }
 
+void File::BeginFlush(std::uint64_t offset, std::uint64_t length) {
+    if (offset <= kLargestOffset && length <= kLargestOffset - offset) {
+        // Advice only: what is not begun now is left to Flush.
+        static_cast<void>(::sync_file_range(handle_->descriptor, static_cast<off_t>(offset),
+                                            static_cast<off_t>(length), SYNC_FILE_RANGE_WRITE));
+    }
+}
+
 Result<std::uint64_t> File::CopyWithinSystem(const File& source, std::uint64_t from,
                                              std::uint64_t to, std::uint64_t length) {
     if (from > kLargestOffset || to > kLargestOffset) {

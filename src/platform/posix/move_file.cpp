@@ -16,7 +16,9 @@ namespace clipfix::platform {
 
 namespace {
 
-constexpr std::uint64_t kPiece = std::uint64_t{4} << 20U;
+// Bytes between two looks at the progress routine: a slow medium takes some 20 MB in a second, and
+// whoever wants to stop the copy is not to wait longer than a blink.
+constexpr std::uint64_t kPiece = std::uint64_t{1} << 20U;
 
 // 0, or the system's error number.
 int RenameWithoutReplacing(const std::filesystem::path& source,
@@ -35,44 +37,63 @@ int RenameWithoutReplacing(const std::filesystem::path& source,
     return ::unlink(source.c_str()) == 0 ? 0 : errno;
 }
 
+// Copies one file to the front of another, piece by piece; inside the system for as long as it
+// offers that for the two.
+class PieceCopy {
+  public:
+    PieceCopy(const File& from, File& to) : from_(from), to_(to) {}
+
+    // Copies some of the `length` bytes from `offset` on, at least one, and tells how many.
+    Result<std::uint64_t> Copy(std::uint64_t offset, std::uint64_t length) {
+        if (withinSystem_) {
+            auto copied = to_.CopyWithinSystem(from_, offset, offset, length);
+            if (!copied || copied.Value() != 0) {
+                return copied;
+            }
+            withinSystem_ = false;
+        }
+        return CopyThroughMemory(offset, length);
+    }
+
+  private:
+    Result<std::uint64_t> CopyThroughMemory(std::uint64_t offset, std::uint64_t length) {
+        buffer_.resize(static_cast<std::size_t>(length));
+        const auto got = from_.ReadAt(offset, buffer_);
+        if (!got) {
+            return got.Failure();
+        }
+        if (got.Value() == 0) {
+            return Error{ErrorKind::ReadFailed, "the file became shorter while it was moved",
+                         offset};
+        }
+        if (auto put = to_.WriteAt(offset, SubView(buffer_, 0, got.Value())); !put) {
+            return put.Failure();
+        }
+        return static_cast<std::uint64_t>(got.Value());
+    }
+
+    const File& from_;
+    File& to_;
+    bool withinSystem_ = true;
+    ByteVector buffer_;
+};
+
 Result<void> CopyPieces(const File& from, File& to, const MoveProgress& progress) {
     const std::uint64_t total = from.Size();
-    bool withinSystem = true;
-    ByteVector buffer;
-    for (std::uint64_t done = 0;;) {
-        if (!progress(done, total)) {
-            return Error{ErrorKind::Cancelled, "the move was cancelled", done};
-        }
-        if (done >= total) {
+    PieceCopy copy(from, to);
+    std::uint64_t done = 0;
+    while (progress(done, total)) {
+        if (done == total) {
             return to.Flush();
         }
-        const std::uint64_t step = std::min(kPiece, total - done);
-        std::uint64_t moved = 0;
-        if (withinSystem) {
-            const auto copied = to.CopyWithinSystem(from, done, done, step);
-            if (!copied) {
-                return copied.Failure();
-            }
-            moved = copied.Value();
-            withinSystem = moved != 0;
+        const auto copied = copy.Copy(done, std::min(kPiece, total - done));
+        if (!copied) {
+            return copied.Failure();
         }
-        if (moved == 0) {
-            buffer.resize(static_cast<std::size_t>(step));
-            const auto got = from.ReadAt(done, buffer);
-            if (!got) {
-                return got.Failure();
-            }
-            if (got.Value() == 0) {
-                return Error{ErrorKind::ReadFailed, "the file became shorter while it was moved",
-                             done};
-            }
-            if (auto put = to.WriteAt(done, SubView(buffer, 0, got.Value())); !put) {
-                return put;
-            }
-            moved = got.Value();
-        }
-        done += moved;
+        to.BeginFlush(done, copied.Value());
+        done += copied.Value();
     }
+    return Error{ErrorKind::Cancelled, "the move was cancelled", done};
 }
 
 Result<void> CopyThenDelete(const std::filesystem::path& source,
