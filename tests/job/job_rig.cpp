@@ -8,7 +8,11 @@ JobRig::JobRig(const std::filesystem::path& workFolder)
       clock(log),
       engines(log, workFolder.empty() ? folder.Path() / "$tp" : workFolder),
       driver({state, control, face}, engines, clock,
-             {.workFolder = workFolder.empty() ? folder.Path() / "$tp" : workFolder}) {
+             {.workFolder = workFolder.empty() ? folder.Path() / "$tp" : workFolder,
+              .moveFile = [this](const std::string& source, const std::string& destination,
+                                 const platform::MoveProgress& progress) {
+                  return move(source, destination, progress);
+              }}) {
     clock.MoveTo(kTestNow);
     face.onAviProgress = [this] { driver.OnAviProgress(); };
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "job/driver/job_driver.h"
@@ -45,6 +46,11 @@ class JobRig {
     [[nodiscard]] std::string RepairFlags() const;
     // g_bSaving and g_bSaveRunning.
     [[nodiscard]] std::string SaveFlags() const;
+
+    // What moves the file of a save.
+    std::function<Result<void>(const std::string& source, const std::string& destination,
+                               const platform::MoveProgress& progress)>
+        move = platform::MoveFileWithProgress;
 
     TempFolder folder;
     JobState state;

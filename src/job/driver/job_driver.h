@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <mutex>
@@ -16,6 +17,7 @@
 #include "job/state/job_control.h"
 #include "job/state/job_front_end.h"
 #include "job/state/job_state.h"
+#include "platform/move_file.h"
 
 namespace clipfix {
 
@@ -46,6 +48,10 @@ class JobDriver {
   public:
     struct Settings {
         std::filesystem::path workFolder;  // absolute; made when a job needs it
+        // How a save moves its file. Tests put in one that stops in the middle.
+        std::function<Result<void>(const std::string& source, const std::string& destination,
+                                   const platform::MoveProgress& progress)>
+            moveFile = platform::MoveFileWithProgress;
     };
 
     // All that is handed over outlives the driver.

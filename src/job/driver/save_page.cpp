@@ -6,7 +6,6 @@
 
 #include "job/driver/job_driver.h"
 #include "job/state/job_paths.h"
-#include "platform/move_file.h"
 
 // The save worker, which moves the repaired file to its destination.
 namespace clipfix {
@@ -38,7 +37,7 @@ void CSavePage::SaveRepairedFile() {
     if (driver_.control_.KeepGoing(JobControl::Work::Save)) {
         // Whether the move succeeded is passed over: the save ends as completed all the same, and
         // the file stays in the work folder until the home step. That is meant.
-        static_cast<void>(platform::MoveFileWithProgress(
+        static_cast<void>(driver_.settings_.moveFile(
             source_, destination_, [this](std::uint64_t transferred, std::uint64_t total) {
                 return SaveProgressRoutine(transferred, total);
             }));
