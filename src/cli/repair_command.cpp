@@ -32,8 +32,25 @@ ExitStatus Print(const RepairReport& report, const RepairOptions& options) {
     return StatusOf(report.outcome);
 }
 
+void TellNothingRecovered(RepairReport& report, const RealEngines& engines) {
+    report.outcome = Outcome::Unhealthy;
+    report.message = "nothing could be recovered from this file";
+    if (report.kind == "avi") {
+        return;
+    }
+    const std::string& why = engines.WhyReferenceFails();
+    if (!report.reference.empty() && !why.empty()) {
+        report.outcome = Outcome::ReferenceUnusable;
+        report.message = "the reference cannot serve: " + why;
+    } else if (!report.reference.empty()) {
+        report.message += " with this reference";
+    } else if (!why.empty()) {
+        report.message += " by itself (" + why + "); a healthy reference may help";
+    }
+}
+
 // The one sentence for each way in which a job can end, and its outcome.
-void TellEnd(RepairReport& report, JobEnd end, const JobState& state, const RealEngines& engines) {
+void TellEnd(RepairReport& report, JobEnd end, const RealEngines& engines) {
     switch (end) {
         case JobEnd::Repaired:
             if (report.videoChunks + report.audioChunks == 0) {
@@ -44,11 +61,7 @@ void TellEnd(RepairReport& report, JobEnd end, const JobState& state, const Real
             }
             return;
         case JobEnd::NothingRecovered:
-            report.outcome = Outcome::Unhealthy;
-            report.message = "nothing could be recovered from this file";
-            if (state.g_bMovJob == 1) {
-                report.message += " with this reference";
-            }
+            TellNothingRecovered(report, engines);
             return;
         case JobEnd::ReferenceNeeded:
             report.outcome = Outcome::ReferenceNeeded;
@@ -111,7 +124,7 @@ class RepairRun {
         }
         frontEnd_.ClearLine();
         FillCounts(report);
-        TellEnd(report, interrupted_ ? JobEnd::Cancelled : driver_.End(), state_, engines_);
+        TellEnd(report, interrupted_ ? JobEnd::Cancelled : driver_.End(), engines_);
         if (stoodStill_ && !interrupted_) {
             report.outcome = Outcome::Unhealthy;
             report.message = "nothing could be recovered: " + engines_.WhyStandstill();

@@ -36,8 +36,14 @@ void CountChunk(Pass& pass, TwoLetters tag) {
     }
 }
 
-void AddIndexRecord(Pass& pass, const FourLetters& id) {
+void AddIndexRecord(Pass& pass, const FourLetters& id, std::int64_t ahead) {
     const std::uint32_t size = pass.dwChunkSize - (pass.bOddChunk ? 1 : 0);
+    if (pass.onChunk != nullptr) {
+        (*pass.onChunk)({.id = std::string(id.begin(), id.end()),
+                         .isVideo = TwoLetters{id[2], id[3]} != wb_AVI,
+                         .offset = pass.ullOffset + static_cast<std::uint64_t>(ahead),
+                         .size = size});
+    }
     pass.index.AddRecord(id, pass.dwRelOffset, size);
     pass.bOddChunk = false;
 }

@@ -37,7 +37,8 @@ void CountChunk(Pass& pass, TwoLetters tag);
 // what tells that size from the rounded one, and is cleared here and nowhere else: behind a
 // refused chunk of odd size the next one's record has a size one too small. That is how it must
 // stay.
-void AddIndexRecord(Pass& pass, const FourLetters& id);
+// `ahead`: how far the id stands from the place of the pass, in bytes.
+void AddIndexRecord(Pass& pass, const FourLetters& id, std::int64_t ahead);
 
 // How the chunk at hand lies around the place of the pass.
 struct ChunkPlace {

@@ -54,7 +54,7 @@ Next TakeFirstChunk(Pass& pass) {
     CountChunk(pass, {id[2], id[3]});
     pass.bInMovi = true;
     pass.dwRelOffset = 4;
-    AddIndexRecord(pass, id);
+    AddIndexRecord(pass, id, kIdAt);
     pass.dwRelOffset += pass.dwChunkSize + 8;
     pass.GrowRiff(std::uint64_t{pass.dwChunkSize} + kHeadBytes);
     pass.dwMoviBody += pass.dwChunkSize + 8;

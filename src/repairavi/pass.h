@@ -6,6 +6,7 @@
 #include "job/state/job_control.h"
 #include "job/state/job_front_end.h"
 #include "platform/file.h"
+#include "repairavi/avi_chunk.h"
 #include "repairavi/index_file.h"
 #include "repairavi/pass_state.h"
 #include "repairavi/percent_meter.h"
@@ -35,6 +36,7 @@ struct Pass : PassState {
     IndexFile& index;
     std::optional<platform::File>& thumbnail;
     PercentMeter& percent;
+    const AviChunkListener* onChunk = nullptr;  // null: nobody wants to know
 
     // The index into the buffer of the byte `n` places behind the one that the pass stands at.
     [[nodiscard]] std::int64_t B(std::int64_t n) const {

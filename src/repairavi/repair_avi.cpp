@@ -28,6 +28,13 @@ int CRepairAVI::Repair() {
     return RunJob(damaged, damaged);
 }
 
+int CRepairAVI::ListChunks(const AviChunkListener& onChunk) {
+    ClearState();
+    files_.OpenDamaged(job_.state);
+    const platform::File* damaged = files_.g_hAviCorrupt ? &files_.g_hAviCorrupt.value() : nullptr;
+    return RunJob(damaged, damaged, &onChunk);
+}
+
 int CRepairAVI::RepairFrom(const platform::ReadableFile* damaged) {
     ClearState();
     files_.OpenAll(job_.state, workFolder_);
@@ -35,7 +42,8 @@ int CRepairAVI::RepairFrom(const platform::ReadableFile* damaged) {
 }
 
 // 1 set-up. 2 the pass over the damaged file. 3 the finishing steps, or the clean-up.
-int CRepairAVI::RunJob(const platform::ReadableFile* damaged, const platform::File* damagedFile) {
+int CRepairAVI::RunJob(const platform::ReadableFile* damaged, const platform::File* damagedFile,
+                       const AviChunkListener* onChunk) {
     if (damaged == nullptr || damaged->Size() <= kTooSmall) {
         return GiveUp();
     }
@@ -50,6 +58,7 @@ int CRepairAVI::RunJob(const platform::ReadableFile* damaged, const platform::Fi
     PercentMeter percent(job_, damaged->Size(), onPercentSent_);
     Pass pass(job_, damaged->Size(), sBuffer, repaired, index, files_.g_hAviThumb, percent);
 
+    pass.onChunk = onChunk;
     const ScanEnd end = ScanDamagedFile(pass);
     bytesScanned_ = std::min(pass.ullOffset, pass.fileSize);
     if (end == ScanEnd::Finished) {

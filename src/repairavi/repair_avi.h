@@ -8,6 +8,7 @@
 
 #include "job/state/job_control.h"
 #include "job/state/job_front_end.h"
+#include "repairavi/avi_chunk.h"
 #include "repairavi/work_files.h"
 
 namespace clipfix {
@@ -30,6 +31,10 @@ class CRepairAVI {
     // file left either. Shows no message. A pass that took no chunk is a success too; the counts
     // in the job's state tell. Fills bytesUnreadable and, where a write failed, writeFailed.
     int Repair();
+
+    // Makes the same pass over g_strCorruptCopy and writes nothing: tells each chunk that Repair
+    // would take, in its order. The result is that of Repair.
+    int ListChunks(const AviChunkListener& onChunk);
 
     // For the shell's home step: closes and deletes the index and the thumbnail file.
     void CloseWorkFiles();
@@ -54,7 +59,8 @@ class CRepairAVI {
     int RepairFrom(const platform::ReadableFile* damaged);
 
   private:
-    int RunJob(const platform::ReadableFile* damaged, const platform::File* damagedFile);
+    int RunJob(const platform::ReadableFile* damaged, const platform::File* damagedFile,
+               const AviChunkListener* onChunk = nullptr);
     int GiveUp();
     void WaitForCancel();
     void ClearState();

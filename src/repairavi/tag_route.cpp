@@ -53,7 +53,7 @@ Next TakeChunk(Pass& pass) {
     const auto id = pass.sBuffer.Bytes<4>(pass.B(-2));
     pass.bNextChecked = false;
     CountChunk(pass, {id[2], id[3]});
-    AddIndexRecord(pass, id);
+    AddIndexRecord(pass, id, -std::int64_t{kDigits});
     pass.dwRelOffset += pass.dwChunkSize + 8;
     pass.GrowRiff(std::uint64_t{pass.dwChunkSize} + 8);
     pass.dwMoviBody += pass.dwChunkSize + 8;

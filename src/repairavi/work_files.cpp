@@ -34,13 +34,17 @@ void WorkFiles::OpenAll(JobState& state, const std::filesystem::path& workFolder
     state.g_strAviIndexPath = (workFolder / kAviIndexName).string();
     state.g_strAviThumbPath = (workFolder / kAviThumbName).string();
     MakeFolder(workFolder, state);
+    OpenDamaged(state);
+    g_hAviRepaired = Make(state.g_strAviRepairedPath, state);
+    g_hAviIndex = Make(state.g_strAviIndexPath, state);
+    g_hAviThumb = Make(state.g_strAviThumbPath, state);
+}
+
+void WorkFiles::OpenDamaged(const JobState& state) {
     g_hAviCorrupt.reset();
     if (auto opened = platform::File::OpenForReading(state.g_strCorruptCopy)) {
         g_hAviCorrupt = std::move(opened).Value();
     }
-    g_hAviRepaired = Make(state.g_strAviRepairedPath, state);
-    g_hAviIndex = Make(state.g_strAviIndexPath, state);
-    g_hAviThumb = Make(state.g_strAviThumbPath, state);
 }
 
 void WorkFiles::CleanUp(const JobState& state) {

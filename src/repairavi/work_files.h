@@ -19,6 +19,8 @@ struct WorkFiles {
     // `workFolder`, which is made if it does not exist, and makes them anew, in this order. The
     // damaged file is never one of the three: one that stands under such a name is not touched.
     void OpenAll(JobState& state, const std::filesystem::path& workFolder);
+    // Only the damaged file, for a pass that writes nothing.
+    void OpenDamaged(const JobState& state);
 
     // The way out of every job that leaves nothing: closes all four, and deletes the three.
     void CleanUp(const JobState& state);

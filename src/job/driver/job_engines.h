@@ -7,6 +7,8 @@
 
 namespace clipfix {
 
+class GFile;
+
 // The engines as the driver calls them. The real ones stand in real_engines.h; tests of the job
 // flow put their own here, so that each end of a job can be brought about.
 
@@ -14,6 +16,8 @@ namespace clipfix {
 class MovJob {
   public:
     virtual ~MovJob() = default;
+    // The reference's movie, for the details of the finished job; null where there is none.
+    [[nodiscard]] virtual const GFile* Movie() const { return nullptr; }
     // Runs the structure check. Whether the file holds a usable movie.
     [[nodiscard]] virtual bool ReadStructure() = 0;
     virtual void FindSamples() = 0;
