@@ -158,6 +158,7 @@ void CMessageDlg::MakeButtons() {
     }
     closeBox_ =
         new CButtonST(kCloseBox, skin::kClose, WordOf(IsQuestion() ? "IDS_NO" : "IDS_OK"), this);
+    closeBox_->setToolTip({});
     closeBox_->setGeometry(layout_.closeBox);
     connect(closeBox_, &CButtonST::clicked, this, [this] { OnCommand(kCloseBox); });
 }
@@ -196,7 +197,8 @@ void CMessageDlg::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(rect(), skin::Colour(skin::kSectionCentre));
     painter.fillRect(layout_.topBand, skin::Colour(skin::kBand));
     painter.fillRect(layout_.bottomBand, skin::Colour(skin::kBand));
-    painter.setPen(QPen(skin::Colour(skin::kFrame), kFrameWidth));
+    painter.setPen(
+        QPen(skin::Colour(skin::kFrame), kFrameWidth, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.drawRect(QRectF(rect()).adjusted(kFrameWidth / 2.0, kFrameWidth / 2.0,
                                              -kFrameWidth / 2.0, -kFrameWidth / 2.0));
     const int picture = IsQuestion() ? skin::kQuestionPicture : skin::kInformationPicture;

@@ -10,7 +10,7 @@ constexpr int kWidth = 530;
 constexpr int kHeight = 270;
 constexpr int kFrameWidth = 4;
 constexpr int kTopBandEnd = 40;
-constexpr int kBottomBandStart = 203;
+constexpr int kBottomBandStart = 207;
 constexpr int kColumnLeft = 125;
 constexpr int kColumnRight = 520;
 constexpr int kTextTop = 117;
@@ -18,9 +18,9 @@ constexpr int kTextBottom = 157;
 constexpr int kSecondTextTop = 138;
 constexpr int kSecondTextBottom = 159;
 constexpr int kLinkRight = 190;
-constexpr int kLinkGap = 6;       // between a link that is wider than its column and its text
-constexpr int kLineGap = 8;       // between the text and the link's line
-constexpr int kLowestText = 196;  // texts end here before the window grows
+constexpr int kLinkGap = 4;       // between a link that is wider than its column and its text
+constexpr int kLineGap = 7;       // between the text and the link's line
+constexpr int kLowestText = 204;  // texts end here before the window grows
 
 QRect FromEdges(int left, int top, int right, int bottom) {
     return QRect(QPoint(left, top), QSize(right - left, bottom - top));

@@ -8,8 +8,15 @@ namespace clipfix {
 
 namespace {
 
-constexpr qreal kPressedOpacity = 0.75;
 constexpr qreal kDisabledOpacity = 0.35;
+
+// Lays a thin shadow over what the picture covers.
+void Darken(QPixmap& picture) {
+    constexpr int kShadow = 56;  // of 255
+    QPainter painter(&picture);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
+    painter.fillRect(picture.rect(), QColor(0, 0, 0, kShadow));
+}
 
 }  // namespace
 
@@ -36,12 +43,13 @@ void CButtonST::SetName(const QString& name) {
 void CButtonST::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const Look look = CurrentLook();
+    QPixmap picture = skin::Picture(CurrentPicture(), size(), devicePixelRatioF());
     if (look == Look::Pressed) {
-        painter.setOpacity(kPressedOpacity);
+        Darken(picture);
     } else if (look == Look::Disabled) {
         painter.setOpacity(kDisabledOpacity);
     }
-    painter.drawPixmap(0, 0, skin::Picture(CurrentPicture(), size(), devicePixelRatioF()));
+    painter.drawPixmap(0, 0, picture);
     if (ShowsFocus()) {
         painter.setOpacity(1);
         constexpr int kLargeButton = 48;

@@ -61,4 +61,9 @@ void ControlButton::keyPressEvent(QKeyEvent* event) {
     QPushButton::keyPressEvent(event);
 }
 
+void ControlButton::mousePressEvent(QMouseEvent* event) {
+    focusShown_ = false;
+    QPushButton::mousePressEvent(event);
+}
+
 }  // namespace clipfix

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QFontDatabase>
+#include <QFontMetrics>
 #include <QFontMetricsF>
 #include <QPalette>
 #include <QStyleFactory>
@@ -46,9 +47,12 @@ QFont FontOfHeight(const QString& face, int height) {
     QFont font = FontOfFace(face);
     font.setHintingPreference(QFont::PreferVerticalHinting);
     font.setPixelSize(std::max(height, 1));
-    while (font.pixelSize() > 1 &&
-           std::ceil(QFontMetricsF(font).ascent()) + std::ceil(QFontMetricsF(font).descent()) >
-               height) {
+    // Each line of a broken text takes whole pixels above and below its base line.
+    const auto lineHeight = [](const QFont& measured) {
+        const QFontMetricsF metrics(measured);
+        return std::ceil(metrics.ascent()) + std::ceil(metrics.descent());
+    };
+    while (font.pixelSize() > 1 && lineHeight(font) > height) {
         font.setPixelSize(font.pixelSize() - 1);
     }
     return font;
@@ -56,7 +60,7 @@ QFont FontOfHeight(const QString& face, int height) {
 
 QFont FontThatFits(const QString& face, int height, const QString& text, int width, int smallest) {
     QFont font = FontOfHeight(face, height);
-    while (height > smallest && QFontMetricsF(font).horizontalAdvance(text) > width) {
+    while (height > smallest && QFontMetrics(font).horizontalAdvance(text) > width) {
         font = FontOfHeight(face, --height);
     }
     return font;
