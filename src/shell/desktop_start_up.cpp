@@ -1,6 +1,7 @@
 #include "shell/desktop_start_up.h"
 
 #include <QMessageBox>
+#include <QPushButton>
 #include <iostream>
 #include <utility>
 
@@ -98,6 +99,7 @@ QString DesktopStartUp::Text(const char* key) {
 void DesktopStartUp::ShowBox(const QString& text, const QString& title, BoxIcon icon) {
     QMessageBox box(icon == BoxIcon::Information ? QMessageBox::Information : QMessageBox::NoIcon,
                     title, text, QMessageBox::Ok);
+    box.button(QMessageBox::Ok)->setIcon(QIcon());
     (void)box.exec();
 }
 

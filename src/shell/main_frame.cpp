@@ -1,8 +1,7 @@
 #include "shell/main_frame.h"
 
+#include <QApplication>
 #include <QCloseEvent>
-#include <QCoreApplication>
-#include <QGuiApplication>
 #include <QIcon>
 #include <QMouseEvent>
 #include <QPainter>
@@ -138,6 +137,11 @@ void CMainFrame::BringForward() {
     }
     raise();
     activateWindow();
+    // Not above the dialog that it waits for.
+    if (QWidget* dialog = QApplication::activeModalWidget()) {
+        dialog->raise();
+        dialog->activateWindow();
+    }
 }
 
 void CMainFrame::paintEvent(QPaintEvent* /*event*/) {
