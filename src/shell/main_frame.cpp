@@ -9,6 +9,7 @@
 #include <QWindow>
 #include <utility>
 
+#include "shell/child.h"
 #include "shell/message_dlg.h"
 #include "shell/sibling_programs.h"
 #include "shell/skin/fonts.h"
@@ -51,7 +52,7 @@ bool CMainFrame::Create() {
 }
 
 CButtonST* CMainFrame::MakeBarButton(int id, int picture, const QString& name) {
-    auto* button = new CButtonST(id, picture, name, this);
+    auto* button = MakeChild<CButtonST>(id, picture, name, this);
     button->resize(kBarButton, kBarButton);
     return button;
 }

@@ -9,6 +9,7 @@
 #include <array>
 
 #include "job/state/job_front_end.h"
+#include "shell/child.h"
 #include "shell/interface_thread.h"
 #include "shell/skin/fonts.h"
 #include "shell/skin/pictures.h"
@@ -74,7 +75,7 @@ bool CMessageDlg::TextAsksForLink() const {
 }
 
 CXStatic* CMessageDlg::MakeText(int id, const QString& words, int height) {
-    auto* made = new CXStatic(id, this);
+    auto* made = MakeChild<CXStatic>(id, this);
     made->SetFace(skin::DialogFace(state_->g_bMajorVersion6 == 1));
     made->SetHeight(height);
     made->SetTextColour(skin::kText);
@@ -89,7 +90,7 @@ void CMessageDlg::MakeTexts() {
     titleText_->setWordWrap(false);
     messageText_ = MakeText(kMessageText, text_, kTextHeight);
     if (TextAsksForLink()) {
-        link_ = new CHyperLink(kLink, this);
+        link_ = MakeChild<CHyperLink>(kLink, this);
         link_->SetFace(skin::DialogFace(state_->g_bMajorVersion6 == 1));
         link_->SetHeight(kTextHeight);
         link_->SetColours(skin::kLink, skin::kLink, skin::kLink);
@@ -134,7 +135,7 @@ void CMessageDlg::Arrange() {
 }
 
 CXCmdBtn* CMessageDlg::MakeButton(int id, const char* key, const QRect& place, bool quiet) {
-    auto* button = new CXCmdBtn(id, this);
+    auto* button = MakeChild<CXCmdBtn>(id, this);
     button->setText(WordOf(key));
     button->setGeometry(place);
     if (quiet) {
@@ -156,8 +157,8 @@ void CMessageDlg::MakeButtons() {
     } else {
         firstFocus_ = MakeButton(kOk, "IDS_OK", layout_.rightButton, false);
     }
-    closeBox_ =
-        new CButtonST(kCloseBox, skin::kClose, WordOf(IsQuestion() ? "IDS_NO" : "IDS_OK"), this);
+    closeBox_ = MakeChild<CButtonST>(kCloseBox, skin::kClose,
+                                     WordOf(IsQuestion() ? "IDS_NO" : "IDS_OK"), this);
     closeBox_->setToolTip({});
     closeBox_->setGeometry(layout_.closeBox);
     connect(closeBox_, &CButtonST::clicked, this, [this] { OnCommand(kCloseBox); });

@@ -4,6 +4,7 @@
 #include <QSvgRenderer>
 #include <utility>
 
+#include "shell/interface_thread.h"
 #include "shell/skin/pictures.h"
 
 namespace clipfix {
@@ -81,7 +82,7 @@ void CPictureEx::MakeFrames() {
                 frames.push_back(MakeFrame(renderer, pixels, i));
             }
             // Runs on the interface thread, and not at all when the picture has gone by then.
-            QMetaObject::invokeMethod(this, [this, frames = std::move(frames), making]() mutable {
+            PostTo(*this, [this, frames = std::move(frames), making]() mutable {
                 if (making == making_) {
                     frames_ = std::move(frames);
                     update();
