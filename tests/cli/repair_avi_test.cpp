@@ -8,8 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "cli/cli_run.h"
 #include "support/avi_builder.h"
 #include "support/run_process.h"
+#include "support/small_file_system.h"
 #include "support/temp_folder.h"
 
 namespace clipfix::test {
@@ -19,48 +21,10 @@ using nlohmann::json;
 using std::filesystem::exists;
 using namespace std::chrono_literals;
 
-// A damaged file, and what must be true of it whatever happens.
-class DamagedFile {
-  public:
-    DamagedFile(std::filesystem::path path, ByteVector bytes)
-        : path_(std::move(path)), bytes_(std::move(bytes)) {
-        WriteFile(path_, bytes_);
-        std::filesystem::last_write_time(path_, std::filesystem::last_write_time(path_) - 1000h);
-        written_ = std::filesystem::last_write_time(path_);
-    }
-    ~DamagedFile() {
-        EXPECT_TRUE(ReadFile(path_) == bytes_) << "the damaged file was changed";
-        EXPECT_EQ(std::filesystem::last_write_time(path_), written_);
-    }
-    DamagedFile(const DamagedFile&) = delete;
-    DamagedFile& operator=(const DamagedFile&) = delete;
-
-    [[nodiscard]] std::string Path() const { return path_.string(); }
-
-  private:
-    std::filesystem::path path_;
-    ByteVector bytes_;
-    std::filesystem::file_time_type written_;
-};
-
 ByteVector SmallAvi() {
     AviFile file;
     file.chunks = AviChunks(20);
     return file.Bytes();
-}
-
-ProcessResult Clipfix(std::vector<std::string> arguments, const ProcessOptions& options = {}) {
-    arguments.insert(arguments.begin(), CLIPFIX_PROGRAM);
-    return RunProcess(arguments, options);
-}
-
-// Everything in a folder, hidden names included.
-std::set<std::string> Names(const std::filesystem::path& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        names.insert(entry.path().filename().string());
-    }
-    return names;
 }
 
 TEST(RepairCommand, RepairsTheExample) {
@@ -146,18 +110,6 @@ TEST(RepairCommand, TakesPathsWithAnyLetters) {
     }
 }
 
-// One sentence, the status, and nothing new in the folder.
-void ExpectRefusal(const TempFolder& folder, const std::vector<std::string>& arguments, int status,
-                   const std::string& words) {
-    const auto before = Names(folder.Path());
-    const auto run = Clipfix(arguments);
-    EXPECT_EQ(run.status, status) << run.err;
-    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
-    EXPECT_NE(run.err.find(words), std::string::npos) << run.err;
-    EXPECT_TRUE(run.out.empty()) << run.out;
-    EXPECT_EQ(Names(folder.Path()), before);
-}
-
 TEST(RepairCommand, RefusesWhatCannotBeOpened) {
     const TempFolder folder;
     std::filesystem::create_directory(folder / "folder.avi");
@@ -238,32 +190,9 @@ TEST(RepairCommand, SaysSoWhereItCannotWrite) {
     ExpectRefusal(folder, {"repair", damaged.Path(), "-o", "/proc/clip.avi"}, 5, "work folder");
 }
 
-// A small file system of the test's own; only root can make one.
-class SmallDisk {
-  public:
-    SmallDisk(const TempFolder& folder, const std::string& size) : path_(folder / "disk") {
-        std::filesystem::create_directory(path_);
-        mounted_ = ::mount("tmpfs", path_.c_str(), "tmpfs", 0, ("size=" + size).c_str()) == 0;
-    }
-    ~SmallDisk() {
-        if (mounted_) {
-            ::umount2(path_.c_str(), MNT_DETACH);
-        }
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    [[nodiscard]] bool IsMounted() const { return mounted_; }
-    [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-    bool mounted_ = false;
-};
-
 TEST(RepairCommand, WantsAHundredMebibytesToSpare) {
     const TempFolder folder;
-    const SmallDisk disk(folder, "90m");
+    const SmallFileSystem disk(std::uint64_t{90} << 20U);
     if (!disk.IsMounted()) {
         GTEST_SKIP() << "a file system can only be mounted by root";
     }
