@@ -98,10 +98,12 @@ inline Lanes CouldBeHead264(const std::uint8_t* at) noexcept {
     return AsLanes(type == Fill(1)) | AsLanes(type - Fill(5) <= Fill(4));
 }
 
-// Where the head has its forbidden bit at 0 and the reference's layer.
+// Where the head has its forbidden bit at 0, the reference's layer, and a temporal id plus 1 that is
+// not 0; by the latter no position in a stretch of zeros is looked at more closely.
 inline Lanes CouldBeHead265(const std::uint8_t* at, Lanes layerBit, Lanes layerBits) noexcept {
+    const Lanes second = Load(at + 1);
     return AsLanes((Load(at) & Fill(0x81)) == layerBit) &
-           AsLanes((Load(at + 1) & Fill(0xF8)) == layerBits);
+           AsLanes((second & Fill(0xF8)) == layerBits) & AsLanes(second != layerBits);
 }
 
 }  // namespace
