@@ -92,14 +92,26 @@ inline bool HasLength(const std::uint8_t* group, Lanes largestSecond) noexcept {
     return IsAny(has);
 }
 
+// Bytes behind a group that its last position looks at: the length word and two bytes of head.
+constexpr std::size_t kBehindGroup = kLargestLengthSize + 2;
+
+// Whether a group and all that its positions look at is zero. No unit starts in such a stretch.
+inline bool IsSilent(const std::uint8_t* group) noexcept {
+    Lanes bytes = Load(group + kGroup + kBehindGroup - kLanes);
+    for (std::size_t i = 0; i < kGroup; i += kLanes) {
+        bytes |= Load(group + i);
+    }
+    return !IsAny(bytes);
+}
+
 // Where the head has its forbidden bit at 0 and one of the types 1 and 5 to 9.
 inline Lanes CouldBeHead264(const std::uint8_t* at) noexcept {
     const Lanes type = Load(at) & Fill(0x9F);
     return AsLanes(type == Fill(1)) | AsLanes(type - Fill(5) <= Fill(4));
 }
 
-// Where the head has its forbidden bit at 0, the reference's layer, and a temporal id plus 1 that is
-// not 0; by the latter no position in a stretch of zeros is looked at more closely.
+// Where the head has its forbidden bit at 0, the reference's layer, and a temporal id plus 1 that
+// is not 0; by the latter no position in a stretch of zeros is looked at more closely.
 inline Lanes CouldBeHead265(const std::uint8_t* at, Lanes layerBit, Lanes layerBits) noexcept {
     const Lanes second = Load(at + 1);
     return AsLanes((Load(at) & Fill(0x81)) == layerBit) &
@@ -206,13 +218,16 @@ std::size_t BlockTest::FindInGroup(ByteView block, std::size_t first) const noex
 template <bool kH265, bool kAnyLength>
 std::size_t BlockTest::FindWide(ByteView block, std::size_t from, std::size_t to) const noexcept {
     const Lanes largestSecond = Fill(bounds_.largestSecond);
-    const std::size_t behind = kGroup + kLargestLengthSize + 2;
+    const std::size_t behind = kGroup + kBehindGroup;
     std::size_t at = from;
     for (; to - at >= kGroup && block.size() - at >= behind; at += kGroup) {
         if constexpr (!kAnyLength) {
             if (!HasLength<kH265>(block.data() + at, largestSecond)) {
                 continue;
             }
+        }
+        if (IsSilent(block.data() + at)) {
+            continue;
         }
         const std::size_t found = FindInGroup<kH265, kAnyLength>(block, at);
         if (found != kGroup) {
