@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 
 #include "base/bytes.h"
 
@@ -28,16 +30,26 @@ class AacDecoder {
     [[nodiscard]] std::uint64_t Decode(ByteView bytes, std::size_t length);
 
   private:
-    AacDecoder() = default;
     struct Answer;
+    // The part of a decoder's configuration that goes over to one that takes its place.
+    struct StartedWith {
+        unsigned long sampleRate = 0;
+        std::uint8_t objectType = 0;
+        std::uint8_t outputFormat = 0;
+        friend bool operator==(const StartedWith&, const StartedWith&) = default;
+    };
+
+    AacDecoder() = default;
     [[nodiscard]] Answer Ask(std::size_t length);
     [[nodiscard]] bool Recover();
+    [[nodiscard]] static void* StartAnother(const StartedWith& wanted);
 
     // The library works on memory that it may write to. What stands behind the bytes it is shown
     // is zero, so that its answer never hangs on what was there before.
     static constexpr std::size_t kSlack = 64;
 
     void* handle_ = nullptr;
+    std::optional<StartedWith> failedStart_;
     std::uint8_t shown_[kMostBytes + kSlack] = {};
 };
 
