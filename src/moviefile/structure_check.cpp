@@ -61,24 +61,34 @@ bool HasKnownFirstChild(ByteView bytes, std::uint64_t at) {
 
 void StructureCheck::Run() {
     JobState& state = job_.state;
-    state.g_lJobAlive = 1;
+    const auto file = platform::File::OpenForReading(state.g_strCheckedPath);
+    if (file) {
+        RunOn(file.Value());
+        return;
+    }
+    Begin();
+    state.g_nMessageKind = 4;
+    state.g_bJobFailed = 1;
+    // Settled: the two texts of the message are fetched, and no dialog is opened.
+    static_cast<void>(job_.frontEnd.Text("IDS_MOVERROR1"));
+    static_cast<void>(job_.frontEnd.Text("IDS_INFORMATION"));
+}
+
+void StructureCheck::RunOn(const platform::ReadableFile& file) {
+    JobState& state = job_.state;
+    Begin();
+    read_.g_strVideoCoderFormat = state.g_strVideoCoderFormat;
+    read_.g_strAudioCoderFormat = state.g_strAudioCoderFormat;
+    Walk(file);
+    state.g_strVideoCoderFormat = read_.g_strVideoCoderFormat;
+    state.g_strAudioCoderFormat = read_.g_strAudioCoderFormat;
+}
+
+void StructureCheck::Begin() {
+    job_.state.g_lJobAlive = 1;
     movie_.pMoov.reset();
     movie_.pMdat.reset();
     movie_.pFtyp.reset();
-    const auto file = platform::File::OpenForReading(state.g_strCheckedPath);
-    if (!file) {
-        state.g_nMessageKind = 4;
-        state.g_bJobFailed = 1;
-        // Settled: the two texts of the message are fetched, and no dialog is opened.
-        static_cast<void>(job_.frontEnd.Text("IDS_MOVERROR1"));
-        static_cast<void>(job_.frontEnd.Text("IDS_INFORMATION"));
-        return;
-    }
-    read_.g_strVideoCoderFormat = state.g_strVideoCoderFormat;
-    read_.g_strAudioCoderFormat = state.g_strAudioCoderFormat;
-    Walk(file.Value());
-    state.g_strVideoCoderFormat = read_.g_strVideoCoderFormat;
-    state.g_strAudioCoderFormat = read_.g_strAudioCoderFormat;
 }
 
 // Plan: 1 each round reads one buffer at the walk's position. 2 A walk that has seen no media data

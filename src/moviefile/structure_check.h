@@ -31,8 +31,11 @@ class StructureCheck {
 
     // Fills the movie's members. The job's state tells which file.
     void Run();
+    // The same over an open file.
+    void RunOn(const platform::ReadableFile& file);
 
   private:
+    void Begin();
     void Walk(const platform::ReadableFile& file);
     void JumpFar(std::uint64_t& round, std::uint64_t rounds);
     [[nodiscard]] bool ReadRound(const platform::ReadableFile& file);
