@@ -38,22 +38,26 @@ AacDecoder::~AacDecoder() {
 }
 
 std::uint64_t AacDecoder::Decode(ByteView bytes, std::size_t length) {
-    // The library's "Unexpected channel configuration change".
-    constexpr std::uint8_t kConfigurationChanged = 21;
     length = std::min(length, kMostBytes);
     const std::size_t present = std::min(bytes.size(), length);
     std::copy_n(bytes.begin(), present, shown_);
     std::fill(shown_ + present, shown_ + kMostBytes + kSlack, std::uint8_t{0});
-    Answer answer = Ask(length);
+    return DecodeInPlace(ByteSpan(shown_).first(length));
+}
+
+std::uint64_t AacDecoder::DecodeInPlace(ByteSpan bytes) {
+    // The library's "Unexpected channel configuration change".
+    constexpr std::uint8_t kConfigurationChanged = 21;
+    Answer answer = Ask(bytes);
     if (answer.error == kConfigurationChanged && Recover()) {
-        answer = Ask(length);
+        answer = Ask(bytes);
     }
     return answer.FrameBytes();
 }
 
-AacDecoder::Answer AacDecoder::Ask(std::size_t length) {
+AacDecoder::Answer AacDecoder::Ask(ByteSpan bytes) {
     NeAACDecFrameInfo info{};
-    const void* result = NeAACDecDecode(handle_, &info, shown_, length);
+    const void* result = NeAACDecDecode(handle_, &info, bytes.data(), bytes.size());
     return {result != nullptr, info.bytesconsumed, info.error};
 }
 

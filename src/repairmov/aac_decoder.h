@@ -28,6 +28,8 @@ class AacDecoder {
     // Decodes at the first of `bytes`, of which `length` are shown; those that are missing are
     // zero. Gives the number of bytes of the frame that stands there; 0 when there is none.
     [[nodiscard]] std::uint64_t Decode(ByteView bytes, std::size_t length);
+    // The same on bytes where they stand: the library sees nothing but them. It may write to them.
+    [[nodiscard]] std::uint64_t DecodeInPlace(ByteSpan bytes);
 
   private:
     struct Answer;
@@ -40,7 +42,7 @@ class AacDecoder {
     };
 
     AacDecoder() = default;
-    [[nodiscard]] Answer Ask(std::size_t length);
+    [[nodiscard]] Answer Ask(ByteSpan bytes);
     [[nodiscard]] bool Recover();
     [[nodiscard]] static void* StartAnother(const StartedWith& wanted);
 
