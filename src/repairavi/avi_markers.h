@@ -54,6 +54,41 @@ enum class Marker {
 };
 
 // Which marker stands at `bytes`' front. Letters behind the view's end match nothing.
-[[nodiscard]] Marker RecogniseMarker(ByteView bytes) noexcept;
+[[nodiscard]] constexpr Marker RecogniseMarker(ByteView bytes) noexcept {
+    // Letters behind the view's end read as zero, and no marker has a zero in it.
+    const std::uint32_t letters =
+        bytes.size() >= sizeof(FourLetters)
+            ? LetterNumber(FourLetters{bytes[0], bytes[1], bytes[2], bytes[3]})
+            : ReadLittle32(bytes, 0);
+    switch (letters) {
+        case LetterNumber(RIFF_AVI):
+            return Marker::Riff;
+        case LetterNumber(AVI0_AVI):
+            return Marker::Avi;
+        case LetterNumber(LIST_AVI):
+            return Marker::List;
+        case LetterNumber(JUNK_AVI):
+            return Marker::Junk;
+        case LetterNumber(movi_AVI):
+            return Marker::Movi;
+        case LetterNumber(idx1_AVI):
+            return Marker::Idx1;
+        case LetterNumber(vids_AVI):
+            return Marker::Vids;
+        case LetterNumber(auds_AVI):
+            return Marker::Auds;
+        default:
+            break;
+    }
+    switch (letters & 0xFFFFU) {
+        case LetterNumber(dc_AVI):
+        case LetterNumber(db_AVI):
+        case LetterNumber(xx_AVI):
+        case LetterNumber(wb_AVI):
+            return Marker::Tag;
+        default:
+            return Marker::None;
+    }
+}
 
 }  // namespace clipfix

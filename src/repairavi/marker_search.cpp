@@ -54,32 +54,32 @@ bool MayHoldMarker(const std::uint8_t* at) noexcept {
 
 }  // namespace
 
-std::size_t FindPlainly(ByteView bytes, std::size_t from) noexcept {
-    while (from < bytes.size() && RecogniseMarker(bytes.subspan(from)) == Marker::None) {
+std::size_t FindPlainly(ByteView bytes, std::size_t from, MarkerStops stops) noexcept {
+    while (from < bytes.size() && !StopsAt(bytes, from, stops)) {
         ++from;
     }
     return from;
 }
 
-std::size_t FindBySixteen(ByteView bytes) noexcept {
+std::size_t FindBySixteen(ByteView bytes, MarkerStops stops) noexcept {
     constexpr std::size_t kLookedAt = kLaneSize + 2;
     std::size_t at = 0;
     for (; bytes.size() - at >= kLookedAt; at += kLaneSize) {
         if (MayHoldMarker(bytes.data() + at)) {
             for (std::size_t i = at; i < at + kLaneSize; ++i) {
-                if (RecogniseMarker(bytes.subspan(i)) != Marker::None) {
+                if (StopsAt(bytes, i, stops)) {
                     return i;
                 }
             }
         }
     }
-    return FindPlainly(bytes, at);
+    return FindPlainly(bytes, at, stops);
 }
 
 }  // namespace marker_search
 
-std::size_t FindMarker(ByteView bytes) noexcept {
-    return marker_search::FindWidely(bytes);
+std::size_t FindMarker(ByteView bytes, MarkerStops stops) noexcept {
+    return marker_search::FindWidely(bytes, stops);
 }
 
 }  // namespace clipfix

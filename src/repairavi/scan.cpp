@@ -30,8 +30,30 @@ bool KeepGoing(Pass& pass) {
     return pass.job.control.KeepGoing(JobControl::Work::AviEngine);
 }
 
-// Crosses bytes at which no marker stands, one of which is the present one. As far as the buffer's
-// view of the file does not change and no percent is due, all of them are one step.
+// The markers at which the pass, as it stands, does more than step on by one byte.
+MarkerStops StopsOf(const Pass& pass) {
+    MarkerStops stops = MarkerStops::All();
+    stops.Pass(Marker::Vids);
+    stops.Pass(Marker::Auds);
+    if (pass.bRiffSeen) {
+        stops.Pass(Marker::Riff);
+    }
+    if (pass.bAviSeen) {
+        stops.Pass(Marker::Avi);
+    }
+    if (pass.bInMovi) {
+        stops.Pass(Marker::Movi);
+    }
+    if (MayPassTagWithoutDigits(pass)) {
+        stops.PassTagsWithoutDigits();
+    }
+    return stops;
+}
+
+// Crosses bytes of which the present one has no marker. As far as the buffer's view of the file
+// does not change and no percent is due, all of them up to the next marker that matters are one
+// step. At a marker that is only stepped over no percent step is made, so none is made here when
+// one stands at the last byte.
 void CrossUnknownBytes(Pass& pass) {
     const std::uint64_t inView = std::min<std::uint64_t>(
         pass.BufferRest(),
@@ -39,9 +61,11 @@ void CrossUnknownBytes(Pass& pass) {
     const std::uint64_t wanted =
         std::min(inView, pass.percent.NextChange(pass.ullOffset) - pass.ullOffset);
     const std::uint32_t until = pass.nBufferPos + static_cast<std::uint32_t>(wanted);
-    const std::uint32_t found = pass.sBuffer.FindMarker(pass.nBufferPos + 1, until);
+    const std::uint32_t found = pass.sBuffer.FindMarker(pass.nBufferPos + 1, until, StopsOf(pass));
     pass.ullOffset += found - pass.nBufferPos;
-    pass.percent.Step(pass.ullOffset);
+    if (pass.sBuffer.MarkerAt(found - std::int64_t{1}) == Marker::None) {
+        pass.percent.Step(pass.ullOffset);
+    }
 }
 
 Next ActOn(Pass& pass, Marker marker) {

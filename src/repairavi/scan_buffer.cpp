@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "repairavi/marker_search.h"
-
 namespace clipfix {
 
 void ScanBuffer::Refill(std::uint64_t fileOffset) {
@@ -34,7 +32,10 @@ void ScanBuffer::Fetch(std::int64_t index, ByteSpan out) {
 
 ByteVector ScanBuffer::AllBytes() {
     ByteVector bytes(kSize);
-    Fetch(0, bytes);
+    constexpr std::uint32_t kPiece = 65536;
+    for (std::uint32_t at = 0; at < kSize; at += kPiece) {
+        Fetch(at, ByteSpan(bytes).subspan(at, std::min(kPiece, kSize - at)));
+    }
     return bytes;
 }
 
@@ -64,11 +65,11 @@ Marker ScanBuffer::MarkerAt(std::int64_t index) {
     return RecogniseMarker(Bytes<4>(index));
 }
 
-std::uint32_t ScanBuffer::FindMarker(std::uint32_t from, std::uint32_t until) {
+std::uint32_t ScanBuffer::FindMarker(std::uint32_t from, std::uint32_t until, MarkerStops stops) {
     // Over the repairs, byte by byte: they end where the header block ends.
     const std::uint32_t repairsEnd = repairs_.empty() ? 0 : repairs_.rbegin()->first + 1;
     for (; from < until && from < repairsEnd; ++from) {
-        if (MarkerAt(from) != Marker::None) {
+        if (stops.Has(MarkerAt(from))) {
             return from;
         }
     }
@@ -80,7 +81,7 @@ std::uint32_t ScanBuffer::FindMarker(std::uint32_t from, std::uint32_t until) {
         static_cast<void>(reader_->View(at, std::min(inBuffer, kMarkerSize)));
         const ByteView window = SubView(reader_->ViewOnward(at), 0, inBuffer);
         const ByteView wanted = SubView(window, 0, until - from + kMarkerSize - 1);
-        const auto found = static_cast<std::uint32_t>(clipfix::FindMarker(wanted));
+        const auto found = static_cast<std::uint32_t>(clipfix::FindMarker(wanted, stops));
         if (found < wanted.size()) {
             return std::min(from + found, until);
         }

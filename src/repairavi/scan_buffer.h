@@ -7,6 +7,7 @@
 #include "base/bytes.h"
 #include "platform/window_reader.h"
 #include "repairavi/avi_markers.h"
+#include "repairavi/marker_search.h"
 #include "repairavi/repaired_file.h"
 
 namespace clipfix {
@@ -74,9 +75,10 @@ class ScanBuffer {
     // What stands at `index`, by the bytes inside the buffer.
     [[nodiscard]] Marker MarkerAt(std::int64_t index);
 
-    // The first index at or behind `from` at which a marker stands, but not beyond `until`, which
-    // stands for none. 0 <= from <= until <= kSize.
-    [[nodiscard]] std::uint32_t FindMarker(std::uint32_t from, std::uint32_t until);
+    // The first index at or behind `from` at which a marker stands that `stops` names, but not
+    // beyond `until`, which stands for none. 0 <= from <= until <= kSize.
+    [[nodiscard]] std::uint32_t FindMarker(std::uint32_t from, std::uint32_t until,
+                                           MarkerStops stops);
 
     // Appends `length` bytes from `index` on to the repaired file; zeros for what lies outside.
     void AppendTo(RepairedFile& repaired, std::int64_t index, std::uint64_t length);

@@ -103,7 +103,7 @@ Next OnTag(Pass& pass) {
         state.g_nAviPercent = 100;  // set and not sent
         return Next::GiveUp;
     }
-    if (state.g_ullAviRiffBody >= kLargestRiffBody) {
+    if (!MayPassTagWithoutDigits(pass)) {
         return Next::GiveUp;
     }
     if (!HasDigitsAhead(pass)) {
@@ -113,6 +113,10 @@ Next OnTag(Pass& pass) {
         return Next::GiveUp;
     }
     return TryChunk(pass);
+}
+
+bool MayPassTagWithoutDigits(const Pass& pass) {
+    return pass.job.state.g_ullAviRiffBody < kLargestRiffBody;
 }
 
 }  // namespace clipfix

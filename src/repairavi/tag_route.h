@@ -9,4 +9,7 @@ namespace clipfix {
 // that looks like a chunk's head stands behind it; else the scan steps on by one byte.
 Next OnTag(Pass& pass);
 
+// Whether OnTag does nothing but step on by one byte wherever no two digits stand ahead of a tag.
+[[nodiscard]] bool MayPassTagWithoutDigits(const Pass& pass);
+
 }  // namespace clipfix

@@ -43,11 +43,29 @@ TEST(RecogniseMarker, KnowsNoMarkerThatTheViewsEndCuts) {
     }
 }
 
+constexpr MarkerStops kAll = MarkerStops::All();
+
+MarkerStops WithDigits() {
+    MarkerStops stops = kAll;
+    stops.PassTagsWithoutDigits();
+    return stops;
+}
+
+MarkerStops WithDigitsAndWithoutWords() {
+    MarkerStops stops = WithDigits();
+    stops.Pass(Marker::Riff);
+    stops.Pass(Marker::Movi);
+    stops.Pass(Marker::Auds);
+    return stops;
+}
+
 // All forms of the search against the plain one.
 void ExpectAllAgree(ByteView bytes) {
-    const std::size_t plain = marker_search::FindPlainly(bytes, 0);
-    EXPECT_EQ(marker_search::FindBySixteen(bytes), plain);
-    EXPECT_EQ(marker_search::FindWidely(bytes), plain);
+    for (const MarkerStops stops : {kAll, WithDigits(), WithDigitsAndWithoutWords()}) {
+        const std::size_t plain = marker_search::FindPlainly(bytes, 0, stops);
+        ASSERT_EQ(marker_search::FindBySixteen(bytes, stops), plain);
+        ASSERT_EQ(marker_search::FindWidely(bytes, stops), plain);
+    }
 }
 
 TEST(FindMarker, FindsEachMarkerAtEveryPlaceOfABlock) {
@@ -57,25 +75,43 @@ TEST(FindMarker, FindsEachMarkerAtEveryPlaceOfABlock) {
             for (const std::size_t behind : {0U, 1U, 2U, 40U}) {
                 const ByteVector bytes =
                     ByteBuilder().Fill(at, 0xD8).Text(marker).Fill(behind, 0xFF).Take();
-                ASSERT_EQ(FindMarker(bytes), at) << marker;
+                ASSERT_EQ(FindMarker(bytes, kAll), at) << marker;
                 ExpectAllAgree(bytes);
             }
         }
     }
 }
 
+TEST(FindMarker, CanPassATagWithoutTwoDigitsAhead) {
+    const ByteVector bytes = Letters("..dc..1wb..x1db..12xx..");
+    EXPECT_EQ(FindMarker(bytes, WithDigits()), 19U);
+    EXPECT_EQ(FindMarker(bytes, kAll), 2U);
+}
+
+TEST(FindMarker, StopsWhereTheDigitsMayStandAheadOfTheView) {
+    EXPECT_EQ(FindMarker(Letters("dc....."), WithDigits()), 0U);
+    EXPECT_EQ(FindMarker(Letters("0wb...."), WithDigits()), 1U);
+    EXPECT_EQ(FindMarker(Letters("LIST"), WithDigits()), 0U);
+}
+
+TEST(FindMarker, PassesOverTheMarkersThatItWasToldToPass) {
+    const ByteVector bytes = Letters("RIFFmoviaudsvids");
+    EXPECT_EQ(FindMarker(bytes, kAll), 0U);
+    EXPECT_EQ(FindMarker(bytes, WithDigitsAndWithoutWords()), 12U);
+}
+
 TEST(FindMarker, GivesTheSizeWhereThereIsNone) {
     for (std::size_t size = 0; size < 100; ++size) {
-        EXPECT_EQ(FindMarker(ByteVector(size)), size);
+        EXPECT_EQ(FindMarker(ByteVector(size), kAll), size);
         const ByteVector cut = ByteBuilder().Fill(size, 'd').Text("LIS").Take();
-        EXPECT_EQ(FindMarker(cut), size + 3);
+        EXPECT_EQ(FindMarker(cut, kAll), size + 3);
         ExpectAllAgree(cut);
     }
 }
 
 TEST(FindMarker, AgreesInAllFormsOnRandomBytesOfTheMarkersLetters) {
     std::mt19937 random(7);
-    const std::string_view letters = "RIFAV LSTJUNKmovidx1sauwbc\x80\xE4";
+    const std::string_view letters = "RIFAV LSTJUNKmovidx1sauwbc019\x80\xE4";
     for (int round = 0; round < 20000; ++round) {
         ByteVector bytes(random() % 120);
         for (auto& byte : bytes) {

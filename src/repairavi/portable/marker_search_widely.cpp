@@ -2,8 +2,8 @@
 
 namespace clipfix::marker_search {
 
-std::size_t FindWidely(ByteView bytes) noexcept {
-    return FindBySixteen(bytes);
+std::size_t FindWidely(ByteView bytes, MarkerStops stops) noexcept {
+    return FindBySixteen(bytes, stops);
 }
 
 }  // namespace clipfix::marker_search

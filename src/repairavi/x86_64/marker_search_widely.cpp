@@ -1,33 +1,36 @@
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <immintrin.h>
 
-#include "repairavi/avi_markers.h"
 #include "repairavi/marker_search.h"
 
 namespace clipfix::marker_search {
 
 namespace {
 
-// The search with AVX2 looks at the first three letters of a marker by their half bytes: a table
-// for each half of each letter tells in which of eight groups of markers that half occurs, and
-// where all six agree on a group a marker may stand. The groups are chosen so that words that are
-// common in texts do not fall into one by the mixing of halves.
-constexpr std::size_t kLetters = 3;
+// The search with AVX2 looks at the letters of a marker by their half bytes: a table for each half
+// of each letter tells in which of eight groups of markers that half occurs, and where all agree
+// on a group a marker may stand. The fourth letter is asked only where the first three agree. The
+// groups are chosen so that words that are common in texts do not fall into one by the mixing of
+// halves.
+constexpr std::size_t kLetters = 4;
+constexpr std::size_t kLettersFirst = 3;
 constexpr std::size_t kGroups = 8;
 
 struct Words {
-    const char* letters[2];  // the first three letters, '?' for any; null where there is one only
+    const char* letters[2];  // '?' for any letter; null where there is one word only
+    Marker markers[2];
 };
 constexpr std::array<Words, kGroups> kWordsOfGroup = {{
-    {{"RIF", "LIS"}},
-    {{"AVI", "JUN"}},
-    {{"mov", nullptr}},
-    {{"idx", nullptr}},
-    {{"vid", "aud"}},
-    {{"dc?", "db?"}},
-    {{"xx?", nullptr}},
-    {{"wb?", nullptr}},
+    {{"RIFF", "LIST"}, {Marker::Riff, Marker::List}},
+    {{"AVI ", "JUNK"}, {Marker::Avi, Marker::Junk}},
+    {{"movi", nullptr}, {Marker::Movi, Marker::Movi}},
+    {{"idx1", nullptr}, {Marker::Idx1, Marker::Idx1}},
+    {{"vids", "auds"}, {Marker::Vids, Marker::Auds}},
+    {{"dc??", "db??"}, {Marker::Tag, Marker::Tag}},
+    {{"xx??", nullptr}, {Marker::Tag, Marker::Tag}},
+    {{"wb??", nullptr}, {Marker::Tag, Marker::Tag}},
 }};
 
 struct HalfTables {
@@ -65,56 +68,104 @@ __attribute__((target("avx2"))) __m256i LoadLane(const std::uint8_t* at) noexcep
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
 }
 
+// What a search needs at every place, in registers.
 struct Tables {
     __m256i low[kLetters];
     __m256i high[kLetters];
-    __m256i half;
+    __m256i half;                // 0x0F
+    __m256i asked;               // the groups that hold a marker which the search stops at
+    __m256i askedWithoutDigits;  // those that need no digit ahead
 };
 
-// The groups of which the first three letters may stand at each of the 32 places.
-__attribute__((target("avx2"))) __m256i GroupsAt(const Tables& tables,
-                                                 const std::uint8_t* at) noexcept {
-    __m256i groups = _mm256_set1_epi8(-1);
-    for (std::size_t i = 0; i < kLetters; ++i) {
-        const __m256i letters = LoadLane(at + i);
-        const __m256i highHalves = _mm256_and_si256(_mm256_srli_epi16(letters, 4), tables.half);
-        // A letter's own low half picks the entry; the mask keeps bytes above 127, for which the
-        // shuffle would give 0, in the game for the third letter of a tag.
-        const __m256i lowHalves = _mm256_and_si256(letters, tables.half);
-        groups = _mm256_and_si256(groups, _mm256_shuffle_epi8(tables.low[i], lowHalves));
-        groups = _mm256_and_si256(groups, _mm256_shuffle_epi8(tables.high[i], highHalves));
+// The groups that hold a marker which is in `stops`, and is no tag unless `alsoTags` is set.
+std::uint8_t GroupsOf(MarkerStops stops, bool alsoTags) noexcept {
+    std::uint8_t groups = 0;
+    for (std::size_t group = 0; group < kGroups; ++group) {
+        for (const Marker marker : kWordsOfGroup[group].markers) {
+            if (stops.Has(marker) && (alsoTags || marker != Marker::Tag)) {
+                groups = static_cast<std::uint8_t>(groups | (1U << group));
+            }
+        }
     }
     return groups;
 }
 
-__attribute__((target("avx2"))) std::size_t FindByThirtyTwo(ByteView bytes) noexcept {
+__attribute__((target("avx2"))) __m256i Everywhere(std::uint8_t byte) noexcept {
+    return _mm256_set1_epi8(static_cast<char>(byte));
+}
+
+__attribute__((target("avx2"))) Tables TablesFor(MarkerStops stops) noexcept {
     Tables tables;
     for (std::size_t i = 0; i < kLetters; ++i) {
         tables.low[i] = LoadLane(kTables.low[i].data());
         tables.high[i] = LoadLane(kTables.high[i].data());
     }
-    tables.half = _mm256_set1_epi8(0x0F);
+    tables.half = Everywhere(0x0F);
+    tables.asked = Everywhere(GroupsOf(stops, true));
+    tables.askedWithoutDigits = Everywhere(GroupsOf(stops, !stops.TagsNeedDigits()));
+    return tables;
+}
+
+// The groups that can be asked at each of the 32 places, by the byte ahead of it.
+__attribute__((target("avx2"))) inline __m256i GroupsAskedAt(const Tables& tables,
+                                                             const std::uint8_t* at) noexcept {
+    const __m256i aboveZero = _mm256_sub_epi8(LoadLane(at - 1), Everywhere('0'));
+    const __m256i isDigit = _mm256_cmpeq_epi8(_mm256_min_epu8(aboveZero, Everywhere(9)), aboveZero);
+    return _mm256_and_si256(tables.asked, _mm256_or_si256(isDigit, tables.askedWithoutDigits));
+}
+
+// Which of `groups` may have the letter at `i` at each of the 32 places.
+__attribute__((target("avx2"))) inline __m256i WithLetter(const Tables& tables, std::size_t i,
+                                                          __m256i groups,
+                                                          const std::uint8_t* at) noexcept {
+    const __m256i letters = LoadLane(at + i);
+    const __m256i highHalves = _mm256_and_si256(_mm256_srli_epi16(letters, 4), tables.half);
+    const __m256i lowHalves = _mm256_and_si256(letters, tables.half);
+    groups = _mm256_and_si256(groups, _mm256_shuffle_epi8(tables.low[i], lowHalves));
+    return _mm256_and_si256(groups, _mm256_shuffle_epi8(tables.high[i], highHalves));
+}
+
+// The places, a bit for each, at which any group is left.
+__attribute__((target("avx2"))) inline std::uint32_t PlacesOf(__m256i groups) noexcept {
+    const __m256i none = _mm256_cmpeq_epi8(groups, _mm256_setzero_si256());
+    return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(none));
+}
+
+__attribute__((target("avx2"))) std::size_t FindByThirtyTwo(ByteView bytes,
+                                                            MarkerStops stops) noexcept {
+    const Tables tables = TablesFor(stops);
     constexpr std::size_t kLookedAt = kLaneSize + kLetters - 1;
-    std::size_t at = 0;
+    // The digits of a tag at the first two places stand ahead of the view.
+    constexpr std::size_t kFirstPlaces = 2;
+    const std::size_t found = FindPlainly(SubView(bytes, 0, kFirstPlaces + kLetters), 0, stops);
+    if (found < kFirstPlaces) {
+        return found;
+    }
+    std::size_t at = std::min(kFirstPlaces, bytes.size());
     for (; bytes.size() - at >= kLookedAt; at += kLaneSize) {
-        const __m256i none =
-            _mm256_cmpeq_epi8(GroupsAt(tables, bytes.data() + at), _mm256_setzero_si256());
-        auto places = ~static_cast<std::uint32_t>(_mm256_movemask_epi8(none));
+        __m256i groups = GroupsAskedAt(tables, bytes.data() + at);
+        for (std::size_t i = 0; i < kLettersFirst; ++i) {
+            groups = WithLetter(tables, i, groups, bytes.data() + at);
+        }
+        if (PlacesOf(groups) == 0) {
+            continue;
+        }
+        auto places = PlacesOf(WithLetter(tables, kLettersFirst, groups, bytes.data() + at));
         for (; places != 0; places &= places - 1) {
             const std::size_t place = at + static_cast<std::size_t>(std::countr_zero(places));
-            if (RecogniseMarker(bytes.subspan(place)) != Marker::None) {
+            if (StopsAt(bytes, place, stops)) {
                 return place;
             }
         }
     }
-    return FindPlainly(bytes, at);
+    return FindPlainly(bytes, at, stops);
 }
 
 }  // namespace
 
-std::size_t FindWidely(ByteView bytes) noexcept {
+std::size_t FindWidely(ByteView bytes, MarkerStops stops) noexcept {
     static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-    return hasAvx2 ? FindByThirtyTwo(bytes) : FindBySixteen(bytes);
+    return hasAvx2 ? FindByThirtyTwo(bytes, stops) : FindBySixteen(bytes, stops);
 }
 
 }  // namespace clipfix::marker_search
