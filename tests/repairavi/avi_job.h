@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "job/state/job_front_end.h"
 #include "job/state/job_state.h"
 #include "repairavi/repair_avi.h"
+#include "support/avi_builder.h"
 #include "support/temp_folder.h"
 
 namespace clipfix::test {
@@ -93,6 +95,52 @@ struct AviJob {
         return std::nullopt;
     }
     return job.Output();
+}
+
+// Random numbers that are the same in every run.
+class Dice {
+  public:
+    explicit Dice(std::uint32_t seed) : random_(seed) {}
+    [[nodiscard]] std::uint32_t Number() { return static_cast<std::uint32_t>(random_()); }
+    [[nodiscard]] std::uint32_t Below(std::uint32_t limit) { return Number() % limit; }
+    [[nodiscard]] std::uint8_t Byte() { return static_cast<std::uint8_t>(random_()); }
+
+  private:
+    std::mt19937 random_;
+};
+
+// What an intact file is to become: the counts of the chunks that were taken in its heads, sizes as
+// they are, and a fresh index behind the data. Worked out from the pieces, not by the engine.
+[[nodiscard]] inline ByteVector WithFreshCounts(AviFile file) {
+    file.withIndex = true;
+    file.behind.clear();
+    std::uint32_t sounds = 0;
+    for (const auto& chunk : file.chunks) {
+        if (chunk.id.substr(2) == "wb") {
+            ++sounds;
+        }
+    }
+    const auto pictures = static_cast<std::uint32_t>(file.chunks.size()) - sounds;
+    file.mainHeader.dwTotalFrames = pictures;
+    file.mainHeader.dwStreams = static_cast<std::uint32_t>(file.streamLists.size());
+    ByteVector bytes = file.Bytes();
+    OverwriteLittle32(bytes, 140, pictures);
+    const std::size_t audio = FindText(bytes, "auds", 176);
+    const std::size_t movie = FindText(bytes, "movi") - 8;
+    if (audio < movie) {
+        OverwriteLittle32(bytes, audio + 32, sounds);
+    }
+    // The main list is taken to run up to the data, whatever stands between.
+    OverwriteLittle32(bytes, 16, static_cast<std::uint32_t>(movie - 20));
+    return bytes;
+}
+
+// Two streams, with nothing in the main header that the engine would repair.
+[[nodiscard]] inline AviFile SoundFile(std::vector<AviDataChunk> chunks) {
+    AviFile file;
+    file.mainHeader.dwFlags = 0x910;
+    file.chunks = std::move(chunks);
+    return file;
 }
 
 }  // namespace clipfix::test

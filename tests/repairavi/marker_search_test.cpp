@@ -1,8 +1,8 @@
 #include "repairavi/marker_search.h"
 
 #include <gtest/gtest.h>
-#include <random>
 
+#include "repairavi/avi_job.h"
 #include "repairavi/avi_markers.h"
 #include "support/byte_builder.h"
 
@@ -10,6 +10,7 @@ namespace clipfix {
 namespace {
 
 using test::ByteBuilder;
+using test::Dice;
 
 ByteVector Letters(std::string_view text) {
     return ByteBuilder().Text(text).Take();
@@ -110,14 +111,15 @@ TEST(FindMarker, GivesTheSizeWhereThereIsNone) {
 }
 
 TEST(FindMarker, AgreesInAllFormsOnRandomBytesOfTheMarkersLetters) {
-    std::mt19937 random(7);
+    Dice dice(7);
     const std::string_view letters = "RIFAV LSTJUNKmovidx1sauwbc019\x80\xE4";
     for (int round = 0; round < 20000; ++round) {
-        ByteVector bytes(random() % 120);
+        ByteVector bytes(dice.Below(120));
         for (auto& byte : bytes) {
-            byte = random() % 3 == 0
-                       ? static_cast<std::uint8_t>(random())
-                       : static_cast<std::uint8_t>(letters[random() % letters.size()]);
+            byte = dice.Below(3) == 0
+                       ? dice.Byte()
+                       : static_cast<std::uint8_t>(
+                             letters[dice.Below(static_cast<std::uint32_t>(letters.size()))]);
         }
         ExpectAllAgree(bytes);
     }
