@@ -18,40 +18,12 @@
 
 #include "base/bytes.h"
 #include "job/state/job_control.h"
-#include "job/state/job_front_end.h"
 #include "repairavi/repair_avi.h"
+#include "support/silent_front_end.h"
 
 namespace {
 
 using namespace clipfix;
-
-class SilentFrontEnd final : public JobFrontEnd {
-  public:
-    std::string Text(std::string_view /*key*/) override { return {}; }
-    void SetVisible(JobControlId /*control*/, bool /*visible*/) override {}
-    void SetEnabled(JobControlId /*control*/, bool /*enabled*/) override {}
-    void SetText(JobControlId /*control*/, const std::string& /*text*/,
-                 const TextStyle& /*style*/) override {}
-    void SetBar(int /*percent*/) override {}
-    void ResetBar() override {}
-    void Redraw(JobSection /*section*/) override {}
-    void StartBusyAnimation(bool /*ofSave*/) override {}
-    void StopBusyAnimation() override {}
-    void RunMessageDialog(const std::string& /*text*/, const std::string& /*title*/,
-                          const std::string& /*first*/, const std::string& /*second*/) override {}
-    void RunSystemBox(const std::string& /*text*/, const std::string& /*title*/) override {}
-    void SendAviProgress() override {}
-    void ShowDetails() override {}
-    int GraphicObjectCount() override { return 0; }
-    void RebuildSections() override {}
-    void StartTimer(int /*id*/, int /*milliseconds*/) override {}
-    void StopTimer(int /*id*/) override {}
-    void ClosePlayer() override {}
-    std::optional<std::string> AskSavePath(const SaveDialogRequest& /*request*/) override {
-        return std::nullopt;
-    }
-    void OpenFolder(const std::string& /*path*/) override {}
-};
 
 class Random {
   public:
@@ -186,7 +158,7 @@ int Make(std::string_view kind, std::uint64_t bytes, const std::string& path) {
 int Run(const std::string& path, const std::string& workFolder) {
     JobState state;
     JobControl control(state);
-    SilentFrontEnd frontEnd;
+    test::SilentFrontEnd frontEnd;
     state.g_strCorruptCopy = path;
     state.g_bAviContinue = 1;
     CRepairAVI engine({state, control, frontEnd}, workFolder);

@@ -3,22 +3,22 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "base/bytes.h"
 #include "job/state/job_control.h"
-#include "job/state/job_front_end.h"
 #include "job/state/job_state.h"
 #include "repairavi/repair_avi.h"
 #include "support/avi_builder.h"
+#include "support/random.h"
+#include "support/silent_front_end.h"
 #include "support/temp_folder.h"
 
 namespace clipfix::test {
 
 // A front end of which an AVI engine needs only the progress message.
-class ProgressFrontEnd final : public JobFrontEnd {
+class ProgressFrontEnd final : public SilentFrontEnd {
   public:
     explicit ProgressFrontEnd(JobState& state) : state_(&state) {}
 
@@ -33,30 +33,6 @@ class ProgressFrontEnd final : public JobFrontEnd {
             onProgress();
         }
     }
-
-    std::string Text(std::string_view /*key*/) override { return {}; }
-    void SetVisible(JobControlId /*control*/, bool /*visible*/) override {}
-    void SetEnabled(JobControlId /*control*/, bool /*enabled*/) override {}
-    void SetText(JobControlId /*control*/, const std::string& /*text*/,
-                 const TextStyle& /*style*/) override {}
-    void SetBar(int /*percent*/) override {}
-    void ResetBar() override {}
-    void Redraw(JobSection /*section*/) override {}
-    void StartBusyAnimation(bool /*ofSave*/) override {}
-    void StopBusyAnimation() override {}
-    void RunMessageDialog(const std::string& /*text*/, const std::string& /*title*/,
-                          const std::string& /*first*/, const std::string& /*second*/) override {}
-    void RunSystemBox(const std::string& /*text*/, const std::string& /*title*/) override {}
-    void ShowDetails() override {}
-    int GraphicObjectCount() override { return 0; }
-    void RebuildSections() override {}
-    void StartTimer(int /*id*/, int /*milliseconds*/) override {}
-    void StopTimer(int /*id*/) override {}
-    void ClosePlayer() override {}
-    std::optional<std::string> AskSavePath(const SaveDialogRequest& /*request*/) override {
-        return std::nullopt;
-    }
-    void OpenFolder(const std::string& /*path*/) override {}
 
   private:
     JobState* state_;
@@ -96,18 +72,6 @@ struct AviJob {
     }
     return job.Output();
 }
-
-// Random numbers that are the same in every run.
-class Dice {
-  public:
-    explicit Dice(std::uint32_t seed) : random_(seed) {}
-    [[nodiscard]] std::uint32_t Number() { return static_cast<std::uint32_t>(random_()); }
-    [[nodiscard]] std::uint32_t Below(std::uint32_t limit) { return Number() % limit; }
-    [[nodiscard]] std::uint8_t Byte() { return static_cast<std::uint8_t>(random_()); }
-
-  private:
-    std::mt19937 random_;
-};
 
 // What an intact file is to become: the counts of the chunks that were taken in its heads, sizes as
 // they are, and a fresh index behind the data. Worked out from the pieces, not by the engine.

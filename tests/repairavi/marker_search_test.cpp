@@ -10,7 +10,7 @@ namespace clipfix {
 namespace {
 
 using test::ByteBuilder;
-using test::Dice;
+using test::Random;
 
 ByteVector Letters(std::string_view text) {
     return ByteBuilder().Text(text).Take();
@@ -111,7 +111,7 @@ TEST(FindMarker, GivesTheSizeWhereThereIsNone) {
 }
 
 TEST(FindMarker, AgreesInAllFormsOnRandomBytesOfTheMarkersLetters) {
-    Dice dice(7);
+    Random dice(7);
     const std::string_view letters = "RIFAV LSTJUNKmovidx1sauwbc019\x80\xE4";
     for (int round = 0; round < 20000; ++round) {
         ByteVector bytes(dice.Below(120));

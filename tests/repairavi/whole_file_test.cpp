@@ -65,14 +65,14 @@ AviFile LessThoseAcrossRefills(AviFile file) {
 }
 
 TEST(AnIntactFile, LosesOnlyChunksWhoseHeadLiesAcrossARefill) {
-    Dice dice(11);
+    Random dice(11);
     for (int round = 0; round < 12; ++round) {
         std::vector<AviDataChunk> chunks;
         const std::size_t largest = round % 3 == 0 ? 3000 : round % 3 == 1 ? 70'000 : 800'000;
         for (std::size_t total = 0; total < 3'000'000;) {
             const std::size_t size = dice.Below(static_cast<std::uint32_t>(largest));
-            chunks.push_back(dice.Below(3) == 0 ? AviSound(size / 4, dice.Number())
-                                                : AviPicture(size, dice.Number()));
+            chunks.push_back(dice.Below(3) == 0 ? AviSound(size / 4, dice.Below(UINT32_MAX))
+                                                : AviPicture(size, dice.Below(UINT32_MAX)));
             total += size + 8;
         }
         const AviFile file = SoundFile(chunks);
