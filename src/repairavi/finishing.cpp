@@ -12,18 +12,12 @@ bool StandsAt(ByteView bytes, std::size_t at, const FourLetters& letters) {
     return std::equal(found.begin(), found.end(), letters.begin(), letters.end());
 }
 
-ByteVector FirstBytes(Pass& pass) {
-    ByteVector bytes(ScanBuffer::kSize);
-    pass.repaired.ReadAt(0, bytes);
-    return bytes;
-}
-
 // An `indx` chunk of a stream list, copied along, points into the damaged file (OpenDML AVI 1.02,
 // 3.0). It becomes padding of the same size. Behind an `odml` nothing is touched any more.
 void NeutraliseSuperIndexes(Pass& pass) {
     constexpr std::size_t kSearchEnd = 333329;
-    const ByteVector sBuffer = FirstBytes(pass);
-    for (std::size_t i = 0; i < kSearchEnd; ++i) {
+    const ByteVector sBuffer = pass.repaired.FirstBytes(ScanBuffer::kSize);
+    for (std::size_t i = 0; i < std::min(kSearchEnd, sBuffer.size()); ++i) {
         if (StandsAt(sBuffer, i, indx_AVI)) {
             pass.repaired.Patch(i, JUNK_AVI);
         } else if (StandsAt(sBuffer, i, odml_AVI)) {
@@ -57,8 +51,8 @@ void PatchAudioLength(Pass& pass) {
     constexpr std::size_t kSearchStart = 176;
     constexpr std::size_t kFoundBelow = 333323;
     constexpr std::size_t kLengthAt = 32;  // dwLength, from the word "auds"
-    const ByteVector sBufferTemp = FirstBytes(pass);
-    for (std::size_t i = kSearchStart; i < kFoundBelow; ++i) {
+    const ByteVector sBufferTemp = pass.repaired.FirstBytes(ScanBuffer::kSize);
+    for (std::size_t i = kSearchStart; i < std::min(kFoundBelow, sBufferTemp.size()); ++i) {
         if (StandsAt(sBufferTemp, i, auds_AVI)) {
             PatchNumber(pass, i + kLengthAt, pass.job.state.g_nAviAudioChunks);
             break;

@@ -1,7 +1,5 @@
 #include "repairavi/repaired_file.h"
 
-#include <algorithm>
-
 namespace clipfix {
 
 RepairedFile::RepairedFile(JobState& state, std::optional<platform::File>& file,
@@ -41,12 +39,12 @@ void RepairedFile::Patch(std::uint64_t at, ByteView bytes) {
     }
 }
 
-void RepairedFile::ReadAt(std::uint64_t at, ByteSpan out) {
-    std::fill(out.begin(), out.end(), std::uint8_t{0});
-    if (copier_) {
-        Finish();
-        static_cast<void>((*file_)->ReadAt(at, out));
-    }
+ByteVector RepairedFile::FirstBytes(std::size_t count) {
+    ByteVector bytes(count);
+    Finish();
+    const Result<std::size_t> got = *file_ ? (*file_)->ReadAt(0, bytes) : Result<std::size_t>(0);
+    bytes.resize(got ? got.Value() : 0);
+    return bytes;
 }
 
 void RepairedFile::MoveEnd(std::uint64_t position) {

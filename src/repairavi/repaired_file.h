@@ -31,8 +31,8 @@ class RepairedFile {
     // then stands behind it.
     void Patch(std::uint64_t at, ByteView bytes);
 
-    // Fills `out` from `at`, with zeros for what lies behind the end.
-    void ReadAt(std::uint64_t at, ByteSpan out);
+    // The first bytes as they stand now, at most `count`; fewer where the file is shorter.
+    [[nodiscard]] ByteVector FirstBytes(std::size_t count);
 
     // The next appended byte goes to `position`.
     void MoveEnd(std::uint64_t position);
