@@ -3,6 +3,7 @@
 namespace clipfix {
 
 void PercentMeter::Step(std::uint64_t position) {
+    place_->store(position, std::memory_order_relaxed);
     const std::uint32_t value = ValueAt(position);
     job_.state.g_nAviPercent = static_cast<int>(value);
     if (value == lastSent_) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
+#include <utility>
 
 #include "job/state/job_front_end.h"
 
@@ -11,9 +13,14 @@ namespace clipfix {
 // each new value.
 class PercentMeter {
   public:
+    // `place` follows the place, in bytes, for whoever wants to know more than the percent.
     // `sent` is called with every percent behind its message; it may be empty.
-    PercentMeter(const JobContext& job, std::uint64_t fileSize, std::function<void(int)> sent)
-        : job_(job), divisor_((fileSize + kBelowHundred) / 100), sent_(std::move(sent)) {}
+    PercentMeter(const JobContext& job, std::uint64_t fileSize, std::atomic<std::uint64_t>& place,
+                 std::function<void(int)> sent)
+        : job_(job),
+          divisor_((fileSize + kBelowHundred) / 100),
+          place_(&place),
+          sent_(std::move(sent)) {}
 
     // The percent step at the file offset `position`. The message is sent synchronously.
     void Step(std::uint64_t position);
@@ -32,6 +39,7 @@ class PercentMeter {
 
     JobContext job_;
     std::uint64_t divisor_;
+    std::atomic<std::uint64_t>* place_;
     std::uint32_t lastSent_ = 0;  // so a first value of 0 is not sent
     std::function<void(int)> sent_;
 };

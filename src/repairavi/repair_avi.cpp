@@ -55,7 +55,7 @@ int CRepairAVI::RunJob(const platform::ReadableFile* damaged, const platform::Fi
     sBuffer.Refill(0);
     RepairedFile repaired(job_.state, files_.g_hAviRepaired, damagedFile, reader);
     IndexFile index(files_.g_hAviIndex, repaired);
-    PercentMeter percent(job_, damaged->Size(), onPercentSent_);
+    PercentMeter percent(job_, damaged->Size(), bytesScanned_, onPercentSent_);
     Pass pass(job_, damaged->Size(), sBuffer, repaired, index, files_.g_hAviThumb, percent);
 
     pass.onChunk = onChunk;

@@ -51,7 +51,7 @@ class CRepairAVI {
     // Called with every percent that is sent, behind its message.
     void OnPercentSent(std::function<void(int)> call) { onPercentSent_ = std::move(call); }
 
-    // How far the pass has come in the damaged file, in bytes.
+    // How far the pass has come in the damaged file, in bytes; also while it runs.
     [[nodiscard]] std::uint64_t BytesScanned() const { return bytesScanned_; }
 
     // The repair of something else than a plain file, for tests: `damaged` gives the bytes, and
