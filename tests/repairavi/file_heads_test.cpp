@@ -9,6 +9,7 @@ namespace clipfix {
 namespace {
 
 using namespace test;
+using test::AviChunk;  // the builder, and not the record of the same name
 
 // Offsets in a file of the usual two streams.
 constexpr std::size_t kMainHeader = 12;

@@ -11,6 +11,7 @@ namespace clipfix {
 namespace {
 
 using namespace test;
+using test::AviChunk;  // the builder, and not the record of the same name
 
 const std::string kNone(4, '\0');
 

@@ -17,6 +17,7 @@ namespace clipfix {
 namespace {
 
 using namespace test;
+using test::AviChunk;  // the builder, and not the record of the same name
 using namespace std::chrono_literals;
 
 AviFile UsualFile() {

@@ -9,6 +9,7 @@ namespace clipfix {
 namespace {
 
 using namespace test;
+using test::AviChunk;  // the builder, and not the record of the same name
 
 AviFile UsualFile() {
     return SoundFile({AviPicture(20, 1), AviPicture(31, 2), AviSound(8, 3)});

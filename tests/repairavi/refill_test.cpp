@@ -9,6 +9,7 @@ namespace clipfix {
 namespace {
 
 using namespace test;
+using test::AviChunk;  // the builder, and not the record of the same name
 
 // Everything of a file up to and with the word "movi".
 ByteVector HeadOf(const AviFile& file) {

@@ -9,6 +9,7 @@ namespace clipfix {
 namespace {
 
 using namespace test;
+using test::AviChunk;  // the builder, and not the record of the same name
 
 constexpr std::size_t kFirstList = 88;
 constexpr std::size_t kSecondList = 88 + 124;
