@@ -64,6 +64,33 @@ TEST(JobControl, KeepsAResumedMovEngineWaitingWhileThePauseFlagStands) {
     EXPECT_FALSE(answer.get());
 }
 
+TEST(JobControl, KeepsAnEngineLeftUntilTheNextJobBegins) {
+    JobState state;
+    state.g_bAviContinue = 1;
+    state.g_lJobAlive = 1;
+    state.g_lSaveContinue = 1;
+    JobControl control(state);
+    control.LeaveForGood();
+    EXPECT_FALSE(control.KeepGoing(Work::AviEngine));
+    EXPECT_FALSE(control.KeepGoing(Work::MovEngine));
+    EXPECT_TRUE(control.KeepGoing(Work::StructureCheck));
+    EXPECT_TRUE(control.KeepGoing(Work::Save));
+    control.Begin();
+    EXPECT_TRUE(control.KeepGoing(Work::AviEngine));
+    EXPECT_TRUE(control.KeepGoing(Work::MovEngine));
+}
+
+TEST(JobControl, WakesAPausedMovEngineThatIsToLeaveForGood) {
+    JobState state;
+    state.g_bRepairPaused = 1;
+    JobControl control(state);
+    auto answer =
+        std::async(std::launch::async, [&] { return control.KeepGoing(Work::MovEngine); });
+    EXPECT_EQ(answer.wait_for(30ms), std::future_status::timeout);
+    control.LeaveForGood();
+    EXPECT_FALSE(answer.get());
+}
+
 TEST(JobControl, PausesTheOtherKindsOfWorkBySuspensionAlone) {
     JobState state;
     state.g_bRepairPaused = 1;

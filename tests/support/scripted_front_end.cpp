@@ -81,6 +81,11 @@ void ScriptedFrontEnd::WillAnswer(std::string text, MessageAnswer answer,
     answers_.push_back({std::move(text), answer, std::move(whileOpen)});
 }
 
+void ScriptedFrontEnd::AnswerAnything(std::function<MessageAnswer()> answers) {
+    const std::lock_guard lock(script_);
+    answerAnything_ = std::move(answers);
+}
+
 void ScriptedFrontEnd::Before(std::string line, std::function<void()> call) {
     const std::lock_guard lock(script_);
     hooks_.push_back({std::move(line), std::move(call)});
@@ -97,7 +102,41 @@ std::string ScriptedFrontEnd::Text(std::string_view key) {
     return std::string(key);
 }
 
+std::string ScriptedFrontEnd::Visible() const {
+    const std::lock_guard lock(script_);
+    std::string names;
+    for (const auto control : visible_) {
+        names += (names.empty() ? "" : " ") + test::NameOf(control);
+    }
+    return names;
+}
+
+void ScriptedFrontEnd::ShowDetails() {
+    Write("details");
+    using enum JobControlId;
+    const std::lock_guard lock(script_);
+    for (const auto control : {BusyAnimation, StatusText, ProgressBar, StartTimeCaption,
+                               StartTimeValue, ElapsedTimeCaption, ElapsedTimeValue, PercentText}) {
+        visible_.erase(control);
+    }
+    visible_.insert({DetailsGrid, PlayPicture});
+}
+
+void ScriptedFrontEnd::RebuildSections() {
+    Write("rebuild sections");
+    const std::lock_guard lock(script_);
+    visible_ = {JobControlId::AddFile, JobControlId::Hint};
+}
+
 void ScriptedFrontEnd::SetVisible(JobControlId control, bool visible) {
+    {
+        const std::lock_guard lock(script_);
+        if (visible) {
+            visible_.insert(control);
+        } else {
+            visible_.erase(control);
+        }
+    }
     Write((visible ? "show " : "hide ") + test::NameOf(control));
 }
 
@@ -190,6 +229,9 @@ ScriptedFrontEnd::Answer ScriptedFrontEnd::TakeAnswer(const std::string& text) {
     const std::lock_guard lock(script_);
     const auto known = std::find_if(answers_.begin(), answers_.end(),
                                     [&](const Answer& each) { return each.text == text; });
+    if (known == answers_.end() && answerAnything_) {
+        return {text, answerAnything_(), {}};
+    }
     if (known == answers_.end()) {
         ADD_FAILURE() << "a dialog that the script does not know: " << text;
         return {text, MessageAnswer::Ok, {}};

@@ -4,6 +4,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -32,6 +33,8 @@ class ScriptedFrontEnd final : public JobFrontEnd {
     // The next dialog with this text gets this answer; `whileOpen` runs on the thread that opened
     // it while it stands. A dialog that the script does not know is a failure and gets an OK.
     void WillAnswer(std::string text, MessageAnswer answer, std::function<void()> whileOpen = {});
+    // From now on a dialog that the script does not know gets the answer that the function gives.
+    void AnswerAnything(std::function<MessageAnswer()> answers);
     // The next save dialog gets this path, or is cancelled. Without a script it is cancelled.
     void WillChoose(std::optional<std::string> path) { savePaths_.push_back(std::move(path)); }
     // Runs before the line is written, on the thread that writes it.
@@ -40,6 +43,9 @@ class ScriptedFrontEnd final : public JobFrontEnd {
     // What takes the message 800B, on the sender's thread.
     std::function<void()> onAviProgress = {};
     int graphicObjects = 0;
+    // The controls that stand now, by name in the order of JobControlId: "AddFile Hint" at first.
+    // ShowDetails and RebuildSections count with what they show and hide.
+    [[nodiscard]] std::string Visible() const;
     // Every key that was read, whether its text was then shown or not.
     [[nodiscard]] Lines KeysRead() const;
 
@@ -56,9 +62,9 @@ class ScriptedFrontEnd final : public JobFrontEnd {
                           const std::string& firstLabel, const std::string& secondLabel) override;
     void RunSystemBox(const std::string& text, const std::string& title) override;
     void SendAviProgress() override;
-    void ShowDetails() override { Write("details"); }
+    void ShowDetails() override;
     [[nodiscard]] int GraphicObjectCount() override { return graphicObjects; }
-    void RebuildSections() override { Write("rebuild sections"); }
+    void RebuildSections() override;
     void StartTimer(int id, int milliseconds) override;
     void StopTimer(int id) override;
     void ClosePlayer() override { Write("close player"); }
@@ -82,8 +88,10 @@ class ScriptedFrontEnd final : public JobFrontEnd {
     JobLog& log_;
     mutable std::mutex script_;
     std::deque<Answer> answers_;
+    std::function<MessageAnswer()> answerAnything_;
     std::deque<Hook> hooks_;
     Lines keysRead_;
+    std::set<JobControlId> visible_{JobControlId::AddFile, JobControlId::Hint};
     std::deque<std::optional<std::string>> savePaths_;
 };
 

@@ -40,6 +40,9 @@ void JobDriver::OnHomePage() {
         RefuseWhileRepairing();
         return;
     }
+    // A worker that was about to go home, or waits to, finds that somebody did, and leaves.
+    ++job_;
+    control_.Wake();
     DeleteResult();
     if (frontEnd_.GraphicObjectCount() >= kTooManyGraphicObjects || state_.g_nFinishedJobs == 1) {
         frontEnd_.RebuildSections();
@@ -66,9 +69,8 @@ void JobDriver::RefuseWhileRepairing() {
 }
 
 void JobDriver::DeleteResult() {
-    std::error_code ignored;
     if (state_.g_bMovJob == 1) {
-        std::filesystem::remove(OutputPath(), ignored);
+        RemoveOutput();
         return;
     }
     if (aviEngineRuns_) {
@@ -80,6 +82,7 @@ void JobDriver::DeleteResult() {
             aviJob_->CloseWorkFiles();
         }
     }
+    std::error_code ignored;
     std::filesystem::remove(state_.g_strAviRepairedPath, ignored);
 }
 

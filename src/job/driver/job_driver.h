@@ -108,6 +108,7 @@ class JobDriver {
     void RunMovJob(JobNumber job);
     void WriteRepairedMovie();
     void EndWithoutMovie();
+    [[nodiscard]] bool IsItsOwnReference() const;
     void NeedReference();
     void EndMovJob(JobNumber job);
     void EndLateCancelledMovJob();
@@ -119,7 +120,7 @@ class JobDriver {
     [[nodiscard]] bool WaitForAnswerToGo(JobNumber job);
     [[nodiscard]] bool IsReleased(JobNumber job) const;
     void SetOutputPath(std::string path);
-    [[nodiscard]] std::string OutputPath() const;
+    void RemoveOutput();
 
     // Pause and cancel.
     void CancelRepair();
@@ -176,7 +177,7 @@ class JobDriver {
 
     std::atomic<bool> hasWorker_{false};  // g_pWorkerThread is not null
     std::atomic<bool> clockRuns_{false};  // the id of timer 1 is not 0
-    std::atomic<JobNumber> job_{0};       // counts the Repair commands
+    std::atomic<JobNumber> job_{0};       // counts up at each Repair and at each home step
     std::atomic<bool> leaving_{false};    // the driver is about to go
     std::atomic<JobEnd> end_{JobEnd::None};
 

@@ -80,6 +80,9 @@ void JobDriver::EndedBehindTheQuestion() {
 void JobDriver::CancelAfterYes() {
     const bool movJob = state_.g_bMovJob == 1;
     (movJob ? state_.g_lJobAlive : state_.g_bAviContinue) = 0;
+    if (!movJob) {
+        control_.LeaveForGood();
+    }
     if (hasWorker_) {
         control_.Resume(JobControl::Worker::Repair);
     }
@@ -89,8 +92,7 @@ void JobDriver::CancelAfterYes() {
     state_.g_tsPausedTotal = 0;
     if (movJob) {
         if (state_.g_bMajorVersion6 == 0) {
-            std::error_code ignored;
-            std::filesystem::remove(OutputPath(), ignored);
+            RemoveOutput();
         }
         Note(3, "IDS_REPAIR_ABORTED");
         frontEnd_.Redraw(JobSection::Frame);
@@ -98,7 +100,7 @@ void JobDriver::CancelAfterYes() {
     state_.g_bRepairRunning = 0;
     state_.g_bRepairCancelled = 1;
     state_.g_bRepairPaused = 0;
-    control_.Wake();
+    control_.LeaveForGood();
     SetText(Pause, "IDS_PAUSE");
     Hide({Save, Home});
 }
@@ -145,8 +147,8 @@ void JobDriver::CancelAtOnce() {
     state_.g_bAviContinue = 0;
     state_.g_bRepairCancelled = 1;
     state_.g_bRepairPaused = 0;
+    control_.LeaveForGood();
     control_.Resume(JobControl::Worker::Repair);
-    control_.Wake();
 }
 
 void JobDriver::OnAviProgress() {

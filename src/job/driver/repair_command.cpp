@@ -13,11 +13,8 @@ constexpr std::int64_t kReserve = 104857600;
 }  // namespace
 
 void JobDriver::OnRepair() {
-    // A worker of an earlier job may still be waiting for an answer. It has nothing to go home from
-    // any more, and leaves.
-    ++job_;
+    ++job_;  // a worker of an earlier job that is still waiting for an answer leaves
     control_.Resume(JobControl::Worker::Repair);
-    control_.Wake();
     end_ = JobEnd::None;
     state_.bytesUnreadable = 0;
     state_.writeFailed = 0;

@@ -26,6 +26,7 @@ void JobDriver::RepairThreadProc(JobNumber job) {
     if (!StandAndGoOn(job)) {
         return;
     }
+    control_.Begin();
     state_.g_bJobFailed = 0;
     if (state_.g_bMovJob == 1) {
         RunMovJob(job);
@@ -55,27 +56,29 @@ void JobDriver::RunMovJob(JobNumber job) {
         return;
     }
     movJob_->FindSamples();
+    if (IsReleased(job)) {
+        return;
+    }
     WriteRepairedMovie();
     if (StandAndGoOn(job)) {
         EndMovJob(job);
+    } else {
+        RemoveOutput();  // nobody goes home from this job any more
     }
 }
 
 void JobDriver::WriteRepairedMovie() {
     MakeWorkFolder();
     const std::string output = (settings_.workFolder / kRepairedMovName).string();
-    std::error_code ignored;
-    std::filesystem::remove(output, ignored);
     SetOutputPath(output);
+    RemoveOutput();
     movJob_->WriteRepairedFile(output, state_.g_strCorruptPath);
 }
 
 // The file under structure check holds no movie, or the check was cancelled, which looks alike.
 void JobDriver::EndWithoutMovie() {
     const bool wasCancelled = state_.g_lJobAlive == 0;
-    // Compared to the letter: a path that differs only in case is another file, and a reference
-    // that is the damaged file itself asks for a reference again.
-    if (state_.g_strReferencePath == state_.g_strCorruptPath) {
+    if (IsItsOwnReference()) {
         NeedReference();
         end_ = wasCancelled ? JobEnd::Cancelled : JobEnd::ReferenceNeeded;
         return;
@@ -83,6 +86,13 @@ void JobDriver::EndWithoutMovie() {
     TellUnhealthy();
     state_.g_bRepairRunning = 0;
     GoHomeAs(wasCancelled ? JobEnd::Cancelled : JobEnd::ReferenceUnusable);
+}
+
+// Compared to the letter: a path that differs only in case is another file, and a reference that
+// was chosen and is the damaged file itself counts as none.
+bool JobDriver::IsItsOwnReference() const {
+    const std::lock_guard lock(meeting_);
+    return state_.g_strReferencePath == state_.g_strCorruptPath;
 }
 
 void JobDriver::NeedReference() {
@@ -146,7 +156,7 @@ void JobDriver::RunAviJob(JobNumber job) {
 void JobDriver::EndAviJob(JobNumber job) {
     hasWorker_ = false;
     const bool failed = state_.g_bJobFailed == 1;
-    if (!failed && state_.g_bAviContinue != 0) {
+    if (!failed && state_.g_bAviContinue != 0 && !control_.IsLeft()) {
         FinishRepair();
         return;
     }
@@ -194,7 +204,7 @@ bool JobDriver::WaitForAnswerToGo(JobNumber job) {
     return !IsReleased(job);
 }
 
-// Another job began, or the driver is about to go.
+// Somebody went home from the job or began another one, or the driver is about to go.
 bool JobDriver::IsReleased(JobNumber job) const {
     return leaving_ || job_ != job;
 }
@@ -204,9 +214,16 @@ void JobDriver::SetOutputPath(std::string path) {
     state_.g_strOutputPath = std::move(path);
 }
 
-std::string JobDriver::OutputPath() const {
-    const std::lock_guard lock(meeting_);
-    return state_.g_strOutputPath == kNoOutput ? std::string() : state_.g_strOutputPath;
+void JobDriver::RemoveOutput() {
+    std::string path;
+    {
+        const std::lock_guard lock(meeting_);
+        path = state_.g_strOutputPath;
+    }
+    if (path != kNoOutput) {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
 }
 
 }  // namespace clipfix

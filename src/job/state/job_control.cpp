@@ -31,6 +31,14 @@ void JobControl::Resume(Worker worker) {
     changed_.notify_all();
 }
 
+void JobControl::LeaveForGood() {
+    {
+        const std::lock_guard lock(mutex_);
+        isLeft_ = true;
+    }
+    changed_.notify_all();
+}
+
 void JobControl::Wake() {
     // Taking the lock orders the change before the waiter's next look, so no wake is lost.
     { const std::lock_guard lock(mutex_); }
@@ -49,17 +57,17 @@ bool JobControl::MustWait(Work work) const {
     // A cancel resumes the worker while the pause flag still stands: the MOV engine then goes on
     // waiting here until the note of the cancel is closed and the cancel flag is set.
     return work == Work::MovEngine && state_->g_bRepairPaused != 0 &&
-           state_->g_bRepairCancelled == 0;
+           state_->g_bRepairCancelled == 0 && !isLeft_;
 }
 
 bool JobControl::MustLeave(Work work) const {
     switch (work) {
         case Work::StructureCheck:
-            return state_->g_lJobAlive == 0;
+            return state_->g_lJobAlive == 0;  // set again by nothing but the next check
         case Work::MovEngine:
-            return state_->g_bRepairCancelled != 0;
+            return state_->g_bRepairCancelled != 0 || isLeft_;
         case Work::AviEngine:
-            return state_->g_bAviContinue == 0;
+            return state_->g_bAviContinue == 0 || isLeft_;
         case Work::Save:
             return state_->g_lSaveContinue == 0;
     }

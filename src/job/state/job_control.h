@@ -37,6 +37,13 @@ class JobControl {
     void Suspend(Worker worker);
     void Resume(Worker worker);
 
+    // The running job is over for its MOV or AVI engine, whatever the flags come to say: those of
+    // the next job may be set while the engine is still inside a read of a medium that is dying.
+    // Begin opens the next job's work, on its worker.
+    void LeaveForGood();
+    void Begin() { isLeft_ = false; }
+    [[nodiscard]] bool IsLeft() const { return isLeft_; }
+
     // To be called after a flag of the state was changed that somebody may be waiting for.
     void Wake();
 
@@ -53,6 +60,7 @@ class JobControl {
     std::condition_variable changed_;
     std::atomic<bool> repairSuspended_{false};
     std::atomic<bool> saveSuspended_{false};
+    std::atomic<bool> isLeft_{false};
 };
 
 }  // namespace clipfix
