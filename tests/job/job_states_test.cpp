@@ -89,8 +89,12 @@ class Stage {
         engines.pace.Finish();
         rig.Wait();
     }
-    // One more round, at whose start the engine finds out that it was cancelled.
-    void LetTheEngineLook() { engines.pace.LetThrough(1); }
+    // Behind the question the engine is let through and stands at its checkpoint, where it later
+    // finds out that it was cancelled.
+    void AnswerYesToCancel() {
+        rig.face.WillAnswer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes,
+                            [this] { engines.pace.LetThrough(1); });
+    }
     [[nodiscard]] std::string Save(const std::string& name) {
         const std::string path = (rig.folder / name).string();
         rig.face.WillChoose(path);
@@ -369,9 +373,8 @@ const std::vector<Way> kWays = {
     {"FromRepairingCancelAndYesLeadHome",
      RepairingMov,
      [](Stage& s) {
-         s.Answer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes);
+         s.AnswerYesToCancel();
          s.Answer("IDS_REPAIR_ABORTED", MessageAnswer::Ok);
-         s.LetTheEngineLook();
          Cancel(s);
          s.rig.Wait();
      },
@@ -381,9 +384,8 @@ const std::vector<Way> kWays = {
     {"FromPausedCancelAndYesLeadHome",
      PausedMov,
      [](Stage& s) {
-         s.Answer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes);
+         s.AnswerYesToCancel();
          s.Answer("IDS_REPAIR_ABORTED", MessageAnswer::Ok);
-         s.LetTheEngineLook();
          Cancel(s);
          s.rig.Wait();
      },
@@ -412,8 +414,7 @@ const std::vector<Way> kWays = {
     {"FromAnAbortedAviTheNextDialogLeadsHome",
      RepairingAvi,
      [](Stage& s) {
-         s.Answer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes);
-         s.LetTheEngineLook();
+         s.AnswerYesToCancel();
          Cancel(s);
          s.Answer("IDS_CLOSE_DLG_MSG ", MessageAnswer::No);
          EXPECT_FALSE(s.rig.driver.OnCloseFrame());

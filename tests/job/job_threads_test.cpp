@@ -288,8 +288,8 @@ TEST(Driver, LeavesARunningSaveWhenItGoesAndKeepsTheSource) {
     TempFolder folder;
     const auto source = folder / "$tp";
     {
-        JobRig rig(source);
         Pace pace;
+        JobRig rig(source);
         rig.FinishMovJob();
         rig.move = [&](const std::string&, const std::string&,
                        const platform::MoveProgress& progress) -> Result<void> {

@@ -184,10 +184,9 @@ TEST_F(RunningJob, KeepsItsOutputForTheHomeStepOnMajorVersionSix) {
     rig.state.g_bMajorVersion6 = 1;
     WriteFile(rig.Healthy() + ".out", ByteVector(3, 3));
     rig.state.g_strOutputPath = rig.Healthy() + ".out";
-    rig.face.WillAnswer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes);
+    rig.face.WillAnswer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes, [this] { pace.LetThrough(1); });
     rig.face.WillAnswer("IDS_REPAIR_ABORTED", MessageAnswer::Ok,
                         [&] { EXPECT_TRUE(std::filesystem::exists(rig.Healthy() + ".out")); });
-    pace.LetThrough(1);
     rig.driver.OnCancelJob();
     rig.Wait();
 }
@@ -208,7 +207,6 @@ TEST_F(RunningJob, OfAviFilesWaitsAfterACancelForTheNextDialog) {
     pace.LetThrough(1);
     EXPECT_FALSE(pace.ArrivesInAMoment(2));
     EXPECT_EQ(rig.log.OfWorkers(), Lines{});
-    EXPECT_FALSE(std::filesystem::exists(rig.RepairedAvi()));
 
     rig.log.Clear();
     rig.face.WillAnswer("IDS_CLOSE_DLG_MSG ", MessageAnswer::No);
@@ -219,6 +217,7 @@ TEST_F(RunningJob, OfAviFilesWaitsAfterACancelForTheNextDialog) {
     EXPECT_EQ(rig.log.OfWorkers(),
               Join({{"hide Cancel", "stop timer 1", "close work files"}, kHomeState}));
     EXPECT_EQ(rig.driver.End(), JobEnd::Cancelled);
+    EXPECT_FALSE(std::filesystem::exists(rig.RepairedAvi()));
 }
 
 TEST_F(RunningJob, IgnoresAYesFromNinetyNinePercentOn) {
@@ -238,9 +237,8 @@ TEST_F(RunningJob, IgnoresAYesFromNinetyNinePercentOn) {
 TEST_F(RunningJob, TakesAYesAtNinetyEightPercent) {
     StartMov();
     rig.state.g_nMovPercent = 98;
-    rig.face.WillAnswer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes);
+    rig.face.WillAnswer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes, [this] { pace.LetThrough(1); });
     rig.face.WillAnswer("IDS_REPAIR_ABORTED", MessageAnswer::Ok);
-    pace.LetThrough(1);
     rig.driver.OnCancelJob();
     rig.Wait();
     EXPECT_EQ(rig.driver.End(), JobEnd::Cancelled);
