@@ -2,9 +2,12 @@
 
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 #include <iostream>
+#include <system_error>
 #include <utility>
 
+#include "job/state/job_paths.h"
 #include "platform/crash_file.h"
 #include "platform/folders.h"
 #include "shell/controls/accessible_controls.h"
@@ -20,12 +23,25 @@ std::filesystem::path SharedFolder(const std::filesystem::path& programFolder) {
     return programFolder.parent_path() / "share" / "kelvo-clipfix";
 }
 
+// The work folder lies beside the executable where that can be written, else in the user's own
+// folder for such things.
+std::filesystem::path FindWorkFolder(const std::filesystem::path& programFolder) {
+    if (platform::CanWriteInto(programFolder)) {
+        return programFolder / kWorkFolderName;
+    }
+    const auto cache = platform::UserCacheFolder();
+    std::error_code ignored;
+    std::filesystem::create_directories(cache, ignored);
+    return cache / kWorkFolderName;
+}
+
 }  // namespace
 
-DesktopStartUp::DesktopStartUp(QApplication& application)
+DesktopStartUp::DesktopStartUp(QApplication& application, std::filesystem::path file)
     : application_(&application),
       programFolder_(platform::ProgramPath().parent_path()),
       runtimeFolder_(platform::UserRuntimeFolder()),
+      file_(std::move(file)),
       texts_(FindTextPaths(programFolder_, SharedFolder(programFolder_),
                            platform::UserConfigFolder())) {}
 
@@ -81,7 +97,11 @@ void DesktopStartUp::ReadSystemVersion() {
 }
 
 bool DesktopStartUp::CreateMainFrame() {
-    mainFrame_ = std::make_unique<CMainFrame>(state_, texts_, programFolder_);
+    mainFrame_ = std::make_unique<CMainFrame>(
+        state_, texts_,
+        CMainFrame::Settings{.programFolder = programFolder_,
+                             .sharedFolder = SharedFolder(programFolder_),
+                             .workFolder = FindWorkFolder(programFolder_)});
     return mainFrame_->Create();
 }
 
@@ -90,6 +110,10 @@ void DesktopStartUp::ShowMainFrame() {
         std::make_unique<FirstInstance>(runtimeFolder_, [this] { mainFrame_->BringForward(); });
     mainFrame_->CentreOnScreen();
     mainFrame_->show();
+    if (!file_.empty()) {
+        // Once the message loop runs, since a file that cannot be opened is told by a dialog.
+        QTimer::singleShot(0, mainFrame_.get(), [this] { mainFrame_->OpenFile(file_); });
+    }
 }
 
 QString DesktopStartUp::Text(const char* key) {

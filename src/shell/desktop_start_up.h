@@ -18,7 +18,8 @@ namespace clipfix {
 // job's state, the texts, the instance lock, the main window.
 class DesktopStartUp : public StartUpSteps {
   public:
-    explicit DesktopStartUp(QApplication& application);
+    // `file` is opened with the window; empty when none was named.
+    explicit DesktopStartUp(QApplication& application, std::filesystem::path file = {});
 
     void InstallCrashHandler() override;
     ClassOutcome RegisterWindowClass() override;
@@ -38,6 +39,7 @@ class DesktopStartUp : public StartUpSteps {
     QApplication* application_;
     std::filesystem::path programFolder_;
     std::filesystem::path runtimeFolder_;
+    std::filesystem::path file_;
     JobState state_;
     Texts texts_;
     std::optional<platform::InstanceLock> lock_;

@@ -9,8 +9,8 @@
 #include <QWindow>
 #include <utility>
 
+#include "job/state/job_paths.h"
 #include "shell/child.h"
-#include "shell/message_dlg.h"
 #include "shell/sibling_programs.h"
 #include "shell/skin/fonts.h"
 #include "shell/skin/palette.h"
@@ -24,19 +24,51 @@ constexpr int kBarButton = 26;
 constexpr int kBarGap = 6;
 constexpr int kBarMargin = 12;
 constexpr int kMarkSize = 22;
-constexpr int kQuitQuestion = 1;
 // Heights of the top and the bottom section; the centre takes the rest.
 constexpr int kTopSection = 88;
 constexpr int kBottomSection = 92;
 
+CMainFrame::Settings WithWorkFolder(CMainFrame::Settings settings) {
+    if (settings.workFolder.empty()) {
+        settings.workFolder = settings.programFolder / kWorkFolderName;
+    }
+    return settings;
+}
+
 }  // namespace
 
-CMainFrame::CMainFrame(JobState& state, const Texts& texts, std::filesystem::path programFolder)
+CMainFrame::CMainFrame(JobState& state, Texts& texts, Settings settings)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint),
       state_(&state),
       texts_(&texts),
-      programFolder_(std::move(programFolder)) {
+      settings_(WithWorkFolder(std::move(settings))),
+      realEngines_(settings_.workFolder),
+      control_(state),
+      frontEnd_(state, texts, *this),
+      driver_({state, control_, frontEnd_},
+              settings_.engines != nullptr ? *settings_.engines : realEngines_,
+              settings_.clock != nullptr ? *settings_.clock : systemClock_,
+              {.workFolder = settings_.workFolder}),
+      parts_{.state = state,
+             .texts = texts,
+             .frontEnd = frontEnd_,
+             .driver = driver_,
+             .desktop = settings_.desktop != nullptr ? *settings_.desktop : systemDesktop_,
+             .programFolder = settings_.programFolder,
+             .sharedFolder = settings_.sharedFolder} {
     setObjectName(QStringLiteral("CMainFrame"));
+    setAcceptDrops(true);
+    pageChanged_.setSingleShot(true);
+    connect(&pageChanged_, &QTimer::timeout, this, &CMainFrame::FocusNextStep);
+    qApp->installEventFilter(this);
+}
+
+// First nobody waits for this thread any more; then the driver may wait for the workers.
+CMainFrame::~CMainFrame() {
+    frontEnd_.Leave();
+    if (bottom_ != nullptr) {
+        bottom_->StopAllTimers();
+    }
 }
 
 bool CMainFrame::Create() {
@@ -44,8 +76,9 @@ bool CMainFrame::Create() {
     setWindowIcon(QIcon(skin::PictureFile(skin::kMark)));
     resize(kFirstSize);
     MakeTitleBar();
+    MakeSections();
     // The updater looks for news by itself; whether it could be started does not matter here.
-    (void)StartSibling(programFolder_, QString::fromLatin1(kUpdaterProgram),
+    (void)StartSibling(settings_.programFolder, QString::fromLatin1(kUpdaterProgram),
                        SilentUpdaterArguments());
     resize(kNormalSize);
     return true;
@@ -73,6 +106,9 @@ void CMainFrame::MakeTitleBar() {
     connect(maximiseButton_, &CButtonST::clicked, this, [this] {
         OnSystemCommand(maximised_ ? SystemCommand::Restore : SystemCommand::Maximise);
     });
+    for (CButtonST* button : {homeButton_, help, menu}) {
+        connect(button, &CButtonST::clicked, this, [this, button] { OnCommand(button->Id()); });
+    }
     PlaceTitleBar();
 }
 
@@ -114,14 +150,8 @@ void CMainFrame::OnSystemCommand(SystemCommand command) {
 }
 
 void CMainFrame::OnClose() {
-    state_->g_nMessageKind = kQuitQuestion;
-    const auto text = [this](const char* key, std::size_t size) {
-        return QString::fromStdString(texts_->Text(key, size));
-    };
-    CMessageDlg::Run(*state_, *texts_, text("IDS_CLOSE_DLG_MSG ", kMessageTextSize),
-                     text("IDS_CONFIRMATION", kTitleTextSize), QStringLiteral("Yes"),
-                     QStringLiteral("No"), this);
-    if (state_->g_bMessageYes == 1) {
+    // A window that waits for a dialog is not closed behind it.
+    if (QApplication::activeModalWidget() == nullptr && driver_.OnCloseFrame()) {
         hide();
         QCoreApplication::exit(0);
     }
@@ -147,19 +177,7 @@ void CMainFrame::BringForward() {
 
 void CMainFrame::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    const QRect area = SectionArea();
     painter.fillRect(rect(), skin::Colour(skin::kBand));
-    painter.fillRect(area, skin::Colour(skin::kSectionCentre));
-    painter.fillRect(QRect(area.topLeft(), QSize(area.width(), kTopSection)),
-                     skin::Colour(skin::kSectionTop));
-    const QRect bottom(area.left(), area.bottom() - kBottomSection + 1, area.width(),
-                       kBottomSection);
-    painter.fillRect(bottom, skin::Colour(skin::kSectionTop));
-    painter.fillRect(QRect(bottom.left(), bottom.top(), bottom.width(), 1),
-                     skin::Colour(skin::kSeparator));
-    painter.fillRect(QRect(area.left(), area.top() + kTopSection, area.width(), 1),
-                     skin::Colour(skin::kSeparator));
-
     painter.drawPixmap(
         kBarMargin, (kTitleBarHeight - kMarkSize) / 2,
         skin::Picture(skin::kMark, QSize(kMarkSize, kMarkSize), devicePixelRatioF()));
@@ -176,6 +194,7 @@ void CMainFrame::paintEvent(QPaintEvent* /*event*/) {
 void CMainFrame::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     PlaceTitleBar();
+    PlaceSections();
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {

@@ -1,0 +1,91 @@
+#include "shell/sections/section.h"
+
+#include <QAbstractButton>
+#include <QPalette>
+
+#include "shell/controls/button_st.h"
+#include "shell/controls/x_static.h"
+
+namespace clipfix {
+
+Section::Section(const QString& name, skin::ColourValue fill, QWidget* parent) : QWidget(parent) {
+    setObjectName(name);
+    QPalette ground = palette();
+    ground.setColor(QPalette::Window, skin::Colour(fill));
+    setPalette(ground);
+    setAutoFillBackground(true);
+}
+
+QWidget* Section::Find(JobControlId control) const {
+    const auto found = controls_.find(control);
+    return found == controls_.end() ? nullptr : found->second;
+}
+
+bool Section::Shows(JobControlId control) const {
+    const QWidget* widget = Find(control);
+    return widget != nullptr && !widget->isHidden();
+}
+
+void Section::SetControlVisible(JobControlId control, bool visible) {
+    if (QWidget* widget = Find(control)) {
+        widget->setVisible(visible);
+        Arrange();
+    }
+}
+
+void Section::SetControlEnabled(JobControlId control, bool enabled) {
+    if (QWidget* widget = Find(control)) {
+        widget->setEnabled(enabled);
+    }
+}
+
+void Section::SetControlText(JobControlId control, const QString& text, const TextStyle& style) {
+    QWidget* widget = Find(control);
+    if (auto* label = qobject_cast<CXStatic*>(widget)) {
+        label->SetFace(QString::fromUtf8(style.face.data(), static_cast<int>(style.face.size())));
+        label->SetHeight(style.height);
+        label->SetTextColour(style.colour);
+        if (style.fill) {
+            label->SetBackground(style.fill);
+        }
+        label->setText(text);
+    } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        button->setText(text);
+        button->updateGeometry();
+    } else {
+        return;
+    }
+    Arrange();
+}
+
+void Section::Translate(const std::function<QString(const QString&)>& translate) {
+    for (auto* label : findChildren<CXStatic*>()) {
+        label->setText(translate(label->text()));
+    }
+    for (auto* button : findChildren<QAbstractButton*>()) {
+        if (auto* picture = qobject_cast<CButtonST*>(button)) {
+            picture->SetName(translate(picture->accessibleName()));
+        } else {
+            button->setText(translate(button->text()));
+        }
+    }
+    Arrange();
+}
+
+void Section::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    Arrange();
+}
+
+QString WordOf(const Texts& texts, const char* key) {
+    return QString::fromStdString(texts.Text(key, kMessageTextSize));
+}
+
+void TellFailedStart(const WindowParts& parts, QWidget* parent, int code) {
+    if (code <= kLastFailureCode) {
+        parts.desktop.ShowBox(parent, FailedStartText(code), WordOf(parts.texts, "IDS_RUNNING3"),
+                              Desktop::BoxIcon::Stop);
+    }
+}
+
+}  // namespace clipfix
