@@ -58,9 +58,9 @@ class CMainFrame : public QWidget {
     // Where things lie, and what tests put in the place of the real ones; a null is the real one.
     // What is pointed at outlives the window.
     struct Settings {
-        std::filesystem::path programFolder;  // the player and the updater
-        std::filesystem::path sharedFolder;   // an installed program's help
-        std::filesystem::path workFolder;     // empty: "$tp" in the program folder
+        std::filesystem::path programFolder = {};  // the player and the updater
+        std::filesystem::path sharedFolder = {};   // an installed program's help
+        std::filesystem::path workFolder = {};     // empty: "$tp" in the program folder
         Desktop* desktop = nullptr;
         JobEngines* engines = nullptr;
         JobClock* clock = nullptr;
