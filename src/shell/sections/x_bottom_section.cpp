@@ -73,6 +73,15 @@ CXCmdBtn* CXBottomSection::MakeButton(JobControlId control, int id, const char* 
     return button;
 }
 
+// The page that asks for a reference shows the damaged file's label and its own request; the text
+// that calls for Repair has no place there.
+void CXBottomSection::SetControlVisible(JobControlId control, bool visible) {
+    Section::SetControlVisible(control, visible);
+    if (control == JobControlId::ReferenceText && visible) {
+        Section::SetControlVisible(JobControlId::SelectedText, false);
+    }
+}
+
 void CXBottomSection::Arrange() {
     ArrangeTexts(ArrangeButtons() - kTextMargin - kGap);
 }

@@ -31,6 +31,8 @@ class CXBottomSection : public Section {
 
     CXBottomSection(const WindowParts& parts, QWidget* parent);
 
+    void SetControlVisible(JobControlId control, bool visible) override;
+
     void StartTimer(int id, int milliseconds);
     void StopTimer(int id);
     void StopAllTimers();
