@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
 
 namespace clipfix::platform {
 
@@ -11,20 +12,11 @@ ByteView WindowReader::View(std::uint64_t offset, std::size_t length) {
         return {};
     }
     const auto inside = static_cast<std::size_t>(std::min<std::uint64_t>(length, Size() - offset));
-    if (!Holds(offset, inside)) {
-        Load(offset, inside);
-    }
-    return SubView(window_, static_cast<std::size_t>(offset - windowStart_), inside);
+    return SubView(Provide(offset, inside).From(offset), 0, inside);
 }
 
 ByteView WindowReader::ViewOnward(std::uint64_t offset) {
-    if (offset >= Size()) {
-        return {};
-    }
-    if (!Holds(offset, 1)) {
-        Load(offset, 1);
-    }
-    return SubView(window_, static_cast<std::size_t>(offset - windowStart_));
+    return offset >= Size() ? ByteView() : Provide(offset, 1).From(offset);
 }
 
 std::size_t WindowReader::Read(std::uint64_t offset, ByteSpan out) {
@@ -37,21 +29,32 @@ std::size_t WindowReader::Read(std::uint64_t offset, ByteSpan out) {
     return inside;
 }
 
-bool WindowReader::Holds(std::uint64_t offset, std::size_t length) const {
-    return offset >= windowStart_ && offset - windowStart_ <= window_.size() &&
-           length <= window_.size() - static_cast<std::size_t>(offset - windowStart_);
+bool WindowReader::Window::Holds(std::uint64_t offset, std::size_t length) const {
+    return offset >= start && offset - start <= bytes.size() &&
+           length <= bytes.size() - static_cast<std::size_t>(offset - start);
 }
 
+const WindowReader::Window& WindowReader::Provide(std::uint64_t offset, std::size_t length) {
+    if (!current_.Holds(offset, length)) {
+        std::swap(current_, earlier_);
+        if (!current_.Holds(offset, length)) {
+            Load(offset, length);
+        }
+    }
+    return current_;
+}
+
+// Fills the current window anew; the one that was current until now has become the earlier one.
 void WindowReader::Load(std::uint64_t offset, std::size_t length) {
-    // A read that goes on near where the window ends is part of a scan; anything else is a jump.
-    const std::uint64_t windowEnd = windowStart_ + window_.size();
+    // A read that goes on near where a window ends is part of a scan; anything else is a jump.
+    const std::uint64_t end = earlier_.start + earlier_.bytes.size();
     const bool goesOn =
-        !window_.empty() && offset >= windowStart_ && offset <= windowEnd + kSmallestWindow;
+        !earlier_.bytes.empty() && offset >= earlier_.start && offset <= end + kSmallestWindow;
     windowSize_ = goesOn ? std::min(windowSize_ * 2, kLargestWindow) : kSmallestWindow;
     const std::uint64_t wanted = std::max(windowSize_, length);
-    window_.resize(static_cast<std::size_t>(std::min(wanted, Size() - offset)));
-    windowStart_ = offset;
-    ReadPiece(offset, window_);
+    current_.bytes.resize(static_cast<std::size_t>(std::min(wanted, Size() - offset)));
+    current_.start = offset;
+    ReadPiece(offset, current_.bytes);
 }
 
 // Reads `out` whole, all of it inside the file. Where that fails it is halved, down to sectors;

@@ -12,13 +12,14 @@ namespace clipfix::platform {
 // as zero bytes and is noted; a failed read is tried again in smaller and smaller pieces, so that
 // one bad sector costs one sector.
 //
-// It holds one window of the file in memory. Reads that follow one another make the window grow
-// up to `kLargestWindow`, so that a scan costs few system calls; a jump makes it small again, so
-// that a look at a chunk head here and there does not read what lies between. Not for use by two
+// It holds two windows of the file in memory, the last and the one before: who looks ahead at a
+// place and comes back finds both. Reads that follow one another make the windows grow up to
+// `kLargestWindow`, so that a scan costs few system calls; a jump makes them small again, so that
+// a look at a chunk head here and there does not read what lies between. Not for use by two
 // threads at once; each takes a reader of its own.
 class WindowReader {
   public:
-    static constexpr std::size_t kSmallestWindow = std::size_t{16} << 10U;
+    static constexpr std::size_t kSmallestWindow = std::size_t{2} << 10U;
     static constexpr std::size_t kLargestWindow = std::size_t{1} << 20U;
     static constexpr std::size_t kSector = 512;
 
@@ -29,7 +30,7 @@ class WindowReader {
     [[nodiscard]] std::uint64_t Size() const { return file_->Size(); }
 
     // The bytes from `offset` on: `length` of them, or fewer at the file's end. `length` may not
-    // be above kLargestWindow. The view lives until the next call.
+    // be above kLargestWindow. The view lives until the next call of any operation.
     [[nodiscard]] ByteView View(std::uint64_t offset, std::size_t length);
 
     // All that the window holds from `offset` on: at least one byte, unless `offset` is at or
@@ -43,13 +44,24 @@ class WindowReader {
     [[nodiscard]] const UnreadableRanges& Unreadable() const { return unreadable_; }
 
   private:
-    [[nodiscard]] bool Holds(std::uint64_t offset, std::size_t length) const;
+    struct Window {
+        std::uint64_t start = 0;
+        ByteVector bytes;
+
+        [[nodiscard]] bool Holds(std::uint64_t offset, std::size_t length) const;
+        [[nodiscard]] ByteView From(std::uint64_t offset) const {
+            return SubView(bytes, static_cast<std::size_t>(offset - start));
+        }
+    };
+
+    // Makes the current window hold `length` bytes from `offset` on, all of them inside the file.
+    const Window& Provide(std::uint64_t offset, std::size_t length);
     void Load(std::uint64_t offset, std::size_t length);
     void ReadPiece(std::uint64_t offset, ByteSpan out);
 
     const ReadableFile* file_;
-    ByteVector window_;
-    std::uint64_t windowStart_ = 0;
+    Window current_;
+    Window earlier_;
     std::size_t windowSize_ = kSmallestWindow;
     UnreadableRanges unreadable_;
 };
