@@ -239,7 +239,7 @@ std::filesystem::path LongWork(const TempFolder& folder) {
     auto bytes = SmallAvi();
     const auto path = folder / "long.avi";
     WriteFile(path, bytes);
-    std::filesystem::resize_file(path, std::uintmax_t{1} << 36U);
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 33U);
     return path;
 }
 
@@ -248,7 +248,7 @@ TEST(RepairCommand, LeavesNothingBehindAfterAnInterrupt) {
         const TempFolder folder;
         const auto path = LongWork(folder);
         const auto start = std::chrono::steady_clock::now();
-        const auto run = Clipfix({"repair", path.string()}, {.signal = std::pair(number, 300ms)});
+        const auto run = Clipfix({"repair", path.string()}, {.signal = std::pair(number, 200ms)});
         EXPECT_EQ(run.status, 130) << run.err;
         EXPECT_NE(run.err.find("cancelled"), std::string::npos);
         EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
@@ -259,7 +259,7 @@ TEST(RepairCommand, LeavesNothingBehindAfterAnInterrupt) {
 TEST(RepairCommand, CleansUpAfterAKilledRunTheNextTime) {
     const TempFolder folder;
     const auto path = LongWork(folder);
-    const auto killed = Clipfix({"repair", path.string()}, {.signal = std::pair(SIGKILL, 300ms)});
+    const auto killed = Clipfix({"repair", path.string()}, {.signal = std::pair(SIGKILL, 200ms)});
     EXPECT_EQ(killed.status, 128 + SIGKILL);
     EXPECT_FALSE(exists(folder / "long_repaired.avi"));
     std::filesystem::resize_file(path, SmallAvi().size());

@@ -138,11 +138,11 @@ TEST(RepairCommandOnMovies, ReportsADiskThatFillsUp) {
 TEST(RepairCommandOnMovies, LeavesNothingBehindAfterAnInterrupt) {
     const TempFolder folder;
     WriteFile(folder / "clip.mp4", WithoutMoov(CameraMovie()));
-    std::filesystem::resize_file(folder / "clip.mp4", std::uintmax_t{1} << 36U);
+    std::filesystem::resize_file(folder / "clip.mp4", std::uintmax_t{1} << 33U);
     const DamagedFile reference(folder / "good.mp4", CameraMovie());
     const auto start = std::chrono::steady_clock::now();
     const auto run = Clipfix({"repair", (folder / "clip.mp4").string(), "-r", reference.Path()},
-                             {.signal = std::pair(SIGINT, 400ms)});
+                             {.signal = std::pair(SIGINT, 200ms)});
     EXPECT_EQ(run.status, 130) << run.err;
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
     EXPECT_EQ(Names(folder.Path()), (std::set<std::string>{"clip.mp4", "good.mp4"}));
