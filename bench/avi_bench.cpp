@@ -124,9 +124,15 @@ void PutStretch(std::ofstream& out, std::string_view kind, std::uint64_t bytes) 
         if (kind == "random") {
             random.Fill(piece);
         } else if (kind == "text") {
-            constexpr std::string_view kWords[] = {"the ", "video ",  "audio ", "list ", "moving ",
-                                                   "and ", "wobble ", "index ", "idea ", "junk ",
-                                                   "of\n", "width ",  "0x10 ",  "adb ",  "Riff "};
+            // Prose of a log or a page, with words that begin like markers among the others.
+            constexpr std::string_view kWords[] = {
+                "the ",   "of ",    "and ",    "a ",       "to ",    "in ",   "is ",   "that ",
+                "it ",    "was ",   "for ",    "on ",      "are ",   "with ", "as ",   "at ",
+                "be ",    "this ",  "have ",   "from ",    "or ",    "one ",  "had ",  "by ",
+                "word ",  "but ",   "not ",    "what ",    "all ",   "were ", "when ", "your ",
+                "can ",   "said ",  "there ",  "use ",     "each ",  "which", " she ", "how ",
+                "video ", "audio ", "moving ", "feedback", " list ", "idea ", "List ", "wide\n",
+            };
             for (std::size_t at = 0; at < piece.size();) {
                 const auto word = kWords[random.Next() % std::size(kWords)];
                 const std::size_t length = std::min(word.size(), piece.size() - at);

@@ -197,7 +197,7 @@ TEST(ARefusedChunkOfOddSize, MakesTheNextRecordOneTooSmall) {
                                             AviPicture(26, 4)};
     ByteVector expected = Output(kept);
     const std::size_t records = FindText(expected, "idx1") + 8;
-    OverwriteLittle32(expected, records + 2 * 16 + 12, 21);
+    OverwriteLittle32(expected, records + std::size_t{2} * 16 + 12, 21);
     EXPECT_EQ(Repaired(FileWithData(data)), expected);
 }
 
@@ -241,7 +241,7 @@ TEST(AChunkOfSixteenBytes, IsNotSkippedRightBehindARefusedChunkOfOddSize) {
         Join({Data({AviPicture(20, 1), AviPicture(22, 2)}), AviChunk("ix00", ByteVector(2)),
               refused, Data({sixteen, AviSound(24, 3)}, OldIndex())});
     ByteVector expected = Output({AviPicture(20, 1), AviPicture(22, 2), sixteen, AviSound(24, 3)});
-    OverwriteLittle32(expected, FindText(expected, "idx1") + 8 + 2 * 16 + 12, 15);
+    OverwriteLittle32(expected, FindText(expected, "idx1") + 8 + std::size_t{2} * 16 + 12, 15);
     EXPECT_EQ(Repaired(FileWithData(data)), expected);
 }
 

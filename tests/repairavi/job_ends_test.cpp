@@ -200,7 +200,7 @@ TEST(ACancel, CountsTheIndexOfTheChunksTaken) {
     EXPECT_EQ(job.Run(), 1);
     // All three chunks are taken before the first percent is due.
     const std::size_t data = 312 + 12 + 28 + 40;
-    EXPECT_EQ(job.state.g_ullAviRiffBody, data + 16 - 8 + 3 * 16 + 8);
+    EXPECT_EQ(job.state.g_ullAviRiffBody, data + 16 - 8 + std::size_t{3} * 16 + 8);
 }
 
 TEST(ACancel, AtTheFilesEndComesTooLate) {

@@ -2,6 +2,7 @@
 #include <array>
 #include <bit>
 #include <immintrin.h>
+#include <utility>
 
 #include "repairavi/marker_search.h"
 
@@ -11,11 +12,12 @@ namespace {
 
 // The search with AVX2 looks at the letters of a marker by their half bytes: a table for each half
 // of each letter tells in which of eight groups of markers that half occurs, and where all agree
-// on a group a marker may stand. The fourth letter is asked only where the first three agree. The
-// groups are chosen so that words that are common in texts do not fall into one by the mixing of
-// halves.
+// on a group a marker may stand. The fourth letter, and the digit ahead of a tag, are asked only
+// where the first three letters agree. The groups are chosen so that words that are common in texts
+// do not fall into one by the mixing of halves.
 constexpr std::size_t kLetters = 4;
 constexpr std::size_t kLettersFirst = 3;
+constexpr std::size_t kTagLetters = 2;
 constexpr std::size_t kGroups = 8;
 
 struct Words {
@@ -61,6 +63,7 @@ constexpr HalfTables MakeTables() {
     return tables;
 }
 constexpr HalfTables kTables = MakeTables();
+constexpr std::uint8_t kTagGroups = 0xE0;  // the last three
 
 constexpr std::size_t kLaneSize = 32;
 
@@ -73,6 +76,7 @@ struct Tables {
     __m256i low[kLetters];
     __m256i high[kLetters];
     __m256i half;                // 0x0F
+    __m256i tags;                // the groups of tags
     __m256i asked;               // the groups that hold a marker which the search stops at
     __m256i askedWithoutDigits;  // those that need no digit ahead
 };
@@ -101,17 +105,10 @@ __attribute__((target("avx2"))) Tables TablesFor(MarkerStops stops) noexcept {
         tables.high[i] = LoadLane(kTables.high[i].data());
     }
     tables.half = Everywhere(0x0F);
+    tables.tags = Everywhere(kTagGroups);
     tables.asked = Everywhere(GroupsOf(stops, true));
     tables.askedWithoutDigits = Everywhere(GroupsOf(stops, !stops.TagsNeedDigits()));
     return tables;
-}
-
-// The groups that can be asked at each of the 32 places, by the byte ahead of it.
-__attribute__((target("avx2"))) inline __m256i GroupsAskedAt(const Tables& tables,
-                                                             const std::uint8_t* at) noexcept {
-    const __m256i aboveZero = _mm256_sub_epi8(LoadLane(at - 1), Everywhere('0'));
-    const __m256i isDigit = _mm256_cmpeq_epi8(_mm256_min_epu8(aboveZero, Everywhere(9)), aboveZero);
-    return _mm256_and_si256(tables.asked, _mm256_or_si256(isDigit, tables.askedWithoutDigits));
 }
 
 // Which of `groups` may have the letter at `i` at each of the 32 places.
@@ -120,8 +117,13 @@ __attribute__((target("avx2"))) inline __m256i WithLetter(const Tables& tables, 
                                                           const std::uint8_t* at) noexcept {
     const __m256i letters = LoadLane(at + i);
     const __m256i highHalves = _mm256_and_si256(_mm256_srli_epi16(letters, 4), tables.half);
-    const __m256i lowHalves = _mm256_and_si256(letters, tables.half);
-    groups = _mm256_and_si256(groups, _mm256_shuffle_epi8(tables.low[i], lowHalves));
+    // A shuffle gives 0 for bytes above 127, which no marker has; only a tag may have any byte
+    // behind its two letters.
+    __m256i byLow = _mm256_shuffle_epi8(tables.low[i], letters);
+    if (i >= kTagLetters) {
+        byLow = _mm256_or_si256(byLow, tables.tags);
+    }
+    groups = _mm256_and_si256(groups, byLow);
     return _mm256_and_si256(groups, _mm256_shuffle_epi8(tables.high[i], highHalves));
 }
 
@@ -131,10 +133,45 @@ __attribute__((target("avx2"))) inline std::uint32_t PlacesOf(__m256i groups) no
     return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(none));
 }
 
+// The groups that the byte ahead of each of the 32 places allows.
+__attribute__((target("avx2"))) inline __m256i AllowedByDigit(const Tables& tables,
+                                                              const std::uint8_t* at) noexcept {
+    const __m256i aboveZero = _mm256_sub_epi8(LoadLane(at - 1), Everywhere('0'));
+    const __m256i isDigit = _mm256_cmpeq_epi8(_mm256_min_epu8(aboveZero, Everywhere(9)), aboveZero);
+    return _mm256_or_si256(isDigit, tables.askedWithoutDigits);
+}
+
+// The groups of which the first three letters may stand at each of the 32 places.
+__attribute__((target("avx2"))) inline __m256i GroupsAt(const Tables& tables,
+                                                        const std::uint8_t* at) noexcept {
+    __m256i groups = tables.asked;
+    for (std::size_t i = 0; i < kLettersFirst; ++i) {
+        groups = WithLetter(tables, i, groups, at);
+    }
+    return groups;
+}
+
+// The first of the 32 places from `at` on at which the search stops, or `at` + 32.
+__attribute__((target("avx2"))) std::size_t StopAmong(const Tables& tables, ByteView bytes,
+                                                      std::size_t at, __m256i groups,
+                                                      MarkerStops stops) noexcept {
+    groups = _mm256_and_si256(groups, AllowedByDigit(tables, bytes.data() + at));
+    auto places = PlacesOf(WithLetter(tables, kLettersFirst, groups, bytes.data() + at));
+    for (; places != 0; places &= places - 1) {
+        const std::size_t place = at + static_cast<std::size_t>(std::countr_zero(places));
+        if (StopsAt(bytes, place, stops)) {
+            return place;
+        }
+    }
+    return at + kLaneSize;
+}
+
 __attribute__((target("avx2"))) std::size_t FindByThirtyTwo(ByteView bytes,
                                                             MarkerStops stops) noexcept {
     const Tables tables = TablesFor(stops);
-    constexpr std::size_t kLookedAt = kLaneSize + kLetters - 1;
+    // Two registers in a round, for one test of both.
+    constexpr std::size_t kRound = 2 * kLaneSize;
+    constexpr std::size_t kLookedAt = kRound + kLetters - 1;
     // The digits of a tag at the first two places stand ahead of the view.
     constexpr std::size_t kFirstPlaces = 2;
     const std::size_t found = FindPlainly(SubView(bytes, 0, kFirstPlaces + kLetters), 0, stops);
@@ -142,18 +179,17 @@ __attribute__((target("avx2"))) std::size_t FindByThirtyTwo(ByteView bytes,
         return found;
     }
     std::size_t at = std::min(kFirstPlaces, bytes.size());
-    for (; bytes.size() - at >= kLookedAt; at += kLaneSize) {
-        __m256i groups = GroupsAskedAt(tables, bytes.data() + at);
-        for (std::size_t i = 0; i < kLettersFirst; ++i) {
-            groups = WithLetter(tables, i, groups, bytes.data() + at);
-        }
-        if (PlacesOf(groups) == 0) {
+    for (; bytes.size() - at >= kLookedAt; at += kRound) {
+        const __m256i first = GroupsAt(tables, bytes.data() + at);
+        const __m256i second = GroupsAt(tables, bytes.data() + at + kLaneSize);
+        const __m256i either = _mm256_or_si256(first, second);
+        if (_mm256_testz_si256(either, either) != 0) {
             continue;
         }
-        auto places = PlacesOf(WithLetter(tables, kLettersFirst, groups, bytes.data() + at));
-        for (; places != 0; places &= places - 1) {
-            const std::size_t place = at + static_cast<std::size_t>(std::countr_zero(places));
-            if (StopsAt(bytes, place, stops)) {
+        for (const auto& [start, groups] :
+             {std::pair{at, first}, std::pair{at + kLaneSize, second}}) {
+            const std::size_t place = StopAmong(tables, bytes, start, groups, stops);
+            if (place < start + kLaneSize) {
                 return place;
             }
         }
