@@ -149,7 +149,8 @@ void JobDriver::RunAviJob(JobNumber job) {
     if (result == 0) {
         TellUnhealthy();
         state_.g_bJobFailed = 1;
-    } else {
+    } else if (!control_.IsLeft()) {
+        // Of a cancelled job nothing is played, and the person may be choosing the next file.
         state_.g_strPlayerArgs = AviPlayerArgs(state_);
     }
     EndAviJob(job);
