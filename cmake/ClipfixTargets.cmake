@@ -26,8 +26,10 @@ function(clipfix_test name)
   target_link_libraries(${name} PRIVATE clipfix_common clipfix_test_support ${ARG_USES}
     GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  # One label with commas in it: a list would lose all but its first element on the way.
+  list(JOIN ARG_LABELS "," labels)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 TEST_PREFIX "${name}."
-    PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${name};${ARG_LABELS}")
+    PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${name},${labels}")
 endfunction()
 
 # clipfix_fuzzer(NAME SOURCE USES library...): a libFuzzer program fuzz/<NAME>.cpp.

@@ -70,6 +70,9 @@ Next CopySpanningChunk(Pass& pass, ChunkPlace place) {
         if (buffer.BytesRead() == 0) {
             return Next::StandStill;
         }
+        if (!pass.job.control.KeepGoing(JobControl::Work::AviEngine)) {
+            return Next::GoOn;  // bytes are left, so the head of the scan finds the cancel as well
+        }
         pass.ullBufferBase = pass.ullOffset;
         bytesRead += buffer.BytesRead();
         reads += 1;

@@ -47,6 +47,8 @@ class Stage {
         };
     }
     ~Stage() {
+        holdsMovie = true;
+        rig.face.AnswerAnything([](const std::string& /*text*/) { return MessageAnswer::Ok; });
         checks.pace.Finish();
         engines.pace.Finish();
     }

@@ -338,7 +338,7 @@ TEST(Driver, TakesCommandsInAnyOrder) {
     std::mt19937 random(7);
     const auto pick = [&](unsigned count) { return static_cast<unsigned>(random() % count); };
     for (int job = 0; job < 60; ++job) {
-        rig.face.AnswerAnything([answers = std::mt19937(random())]() mutable {
+        rig.face.AnswerAnything([answers = std::mt19937(random())](const std::string&) mutable {
             return answers() % 2 == 0 ? MessageAnswer::Yes : MessageAnswer::No;
         });
         if (pick(2) == 0) {
@@ -367,7 +367,7 @@ TEST(Driver, TakesCommandsInAnyOrder) {
             }
         }
         // The way out that is always there.
-        rig.face.AnswerAnything([] { return MessageAnswer::Ok; });
+        rig.face.AnswerAnything([](const std::string&) { return MessageAnswer::Ok; });
         if (rig.state.g_bRepairPaused == 1) {
             rig.driver.OnPauseResume();
         }

@@ -211,6 +211,7 @@ TEST(MovWorker, TellsOfACancelThatCameTooLateToClearTheFlag) {
                      "write " + rig.RepairedMov() + " from " + rig.DamagedMov(), "message 800B",
                      "box: IDS_WORD8 | IDS_INFORMATION"}}));
     EXPECT_EQ(rig.state.g_strOutputPath, " ");
+    EXPECT_FALSE(std::filesystem::exists(rig.RepairedMov()));
     EXPECT_EQ(rig.state.g_lJobAlive, 0);
     EXPECT_EQ(rig.driver.End(), JobEnd::Cancelled);
 }

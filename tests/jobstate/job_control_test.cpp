@@ -101,6 +101,20 @@ TEST(JobControl, PausesTheOtherKindsOfWorkBySuspensionAlone) {
     EXPECT_TRUE(control.KeepGoing(Work::StructureCheck));
 }
 
+TEST(JobControl, TakesAStepOnlyWhenTheWorkerIsNotSuspended) {
+    JobState state;
+    JobControl control(state);
+    std::atomic<bool> taken{false};
+    control.Suspend(Worker::Repair);
+    auto step = std::async(std::launch::async,
+                           [&] { control.TakeStep(Worker::Repair, [&] { taken = true; }); });
+    EXPECT_EQ(step.wait_for(30ms), std::future_status::timeout);
+    EXPECT_FALSE(taken);
+    control.Resume(Worker::Repair);
+    step.get();
+    EXPECT_TRUE(taken);
+}
+
 TEST(JobControl, WakesWhoWaitsForTheStateToChange) {
     JobState state;
     state.g_bMessageYes = 1;

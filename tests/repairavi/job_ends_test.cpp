@@ -320,6 +320,17 @@ TEST(APause, CanEndInACancel) {
     EXPECT_LT(job.engine.BytesScanned(), 1'000'000U);
 }
 
+TEST(APause, InsideALargeChunkCanEndInACancelThatNeedNotWaitForTheChunk) {
+    AviJob job(SoundFile({AviPicture(5'000'000, 1), AviPicture(20, 2)}).Bytes());
+    {
+        PausedJob paused(job, 30);
+        job.state.g_bAviContinue = 0;
+        job.control.Resume(JobControl::Worker::Repair);
+    }
+    EXPECT_TRUE(LeavesNoFile(job));
+    EXPECT_LT(job.engine.BytesScanned(), 2'500'000U);
+}
+
 TEST(AStandstill, UsesNoProcessor) {
     AviFile file = UsualFile();
     file.streamLists.push_back(

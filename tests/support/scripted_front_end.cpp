@@ -81,7 +81,8 @@ void ScriptedFrontEnd::WillAnswer(std::string text, MessageAnswer answer,
     answers_.push_back({std::move(text), answer, std::move(whileOpen)});
 }
 
-void ScriptedFrontEnd::AnswerAnything(std::function<MessageAnswer()> answers) {
+void ScriptedFrontEnd::AnswerAnything(
+    std::function<MessageAnswer(const std::string& text)> answers) {
     const std::lock_guard lock(script_);
     answerAnything_ = std::move(answers);
 }
@@ -230,7 +231,7 @@ ScriptedFrontEnd::Answer ScriptedFrontEnd::TakeAnswer(const std::string& text) {
     const auto known = std::find_if(answers_.begin(), answers_.end(),
                                     [&](const Answer& each) { return each.text == text; });
     if (known == answers_.end() && answerAnything_) {
-        return {text, answerAnything_(), {}};
+        return {text, answerAnything_(text), {}};
     }
     if (known == answers_.end()) {
         ADD_FAILURE() << "a dialog that the script does not know: " << text;

@@ -33,8 +33,9 @@ class ScriptedFrontEnd final : public JobFrontEnd {
     // The next dialog with this text gets this answer; `whileOpen` runs on the thread that opened
     // it while it stands. A dialog that the script does not know is a failure and gets an OK.
     void WillAnswer(std::string text, MessageAnswer answer, std::function<void()> whileOpen = {});
-    // From now on a dialog that the script does not know gets the answer that the function gives.
-    void AnswerAnything(std::function<MessageAnswer()> answers);
+    // From now on a dialog that the script does not know gets the answer that the function gives to
+    // its text.
+    void AnswerAnything(std::function<MessageAnswer(const std::string& text)> answers);
     // The next save dialog gets this path, or is cancelled. Without a script it is cancelled.
     void WillChoose(std::optional<std::string> path) { savePaths_.push_back(std::move(path)); }
     // Runs before the line is written, on the thread that writes it.
@@ -88,7 +89,7 @@ class ScriptedFrontEnd final : public JobFrontEnd {
     JobLog& log_;
     mutable std::mutex script_;
     std::deque<Answer> answers_;
-    std::function<MessageAnswer()> answerAnything_;
+    std::function<MessageAnswer(const std::string&)> answerAnything_;
     std::deque<Hook> hooks_;
     Lines keysRead_;
     std::set<JobControlId> visible_{JobControlId::AddFile, JobControlId::Hint};

@@ -61,10 +61,10 @@ void JobDriver::RefuseWhileRepairing() {
     if (!pausedHere) {
         return;
     }
-    if (state_.g_bRepairRunning == 1) {
-        OnPauseResume();
+    if (HasEndedBehindTheDialog()) {
+        LeaveEndedJobAlone();
     } else {
-        EndedBehindTheQuestion();
+        OnPauseResume();
     }
 }
 

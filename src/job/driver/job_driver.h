@@ -116,7 +116,7 @@ class JobDriver {
     void EndAviJob(JobNumber job);
     void FinishRepair();
     void GoHomeAs(JobEnd end);
-    [[nodiscard]] bool StandAndGoOn(JobNumber job);
+    [[nodiscard]] bool MayEnd(JobNumber job);
     [[nodiscard]] bool WaitForAnswerToGo(JobNumber job);
     [[nodiscard]] bool IsReleased(JobNumber job) const;
     void SetOutputPath(std::string path);
@@ -125,7 +125,8 @@ class JobDriver {
     // Pause and cancel.
     void CancelRepair();
     void CancelAfterYes();
-    void EndedBehindTheQuestion();
+    [[nodiscard]] bool HasEndedBehindTheDialog() const;
+    void LeaveEndedJobAlone();
     void CancelSave();
     void CancelSaveAfterYes();
     void PauseSave();
@@ -175,10 +176,11 @@ class JobDriver {
     std::atomic<bool> aviEngineRuns_{false};
     std::mutex workerTurn_;  // held by the one repair worker that works
 
-    std::atomic<bool> hasWorker_{false};  // g_pWorkerThread is not null
-    std::atomic<bool> clockRuns_{false};  // the id of timer 1 is not 0
-    std::atomic<JobNumber> job_{0};       // counts up at each Repair and at each home step
-    std::atomic<bool> leaving_{false};    // the driver is about to go
+    std::atomic<bool> hasWorker_{false};   // g_pWorkerThread is not null
+    std::atomic<bool> clockRuns_{false};   // the id of timer 1 is not 0
+    std::atomic<JobNumber> job_{0};        // counts up at each Repair and at each home step
+    std::atomic<JobNumber> endingJob_{0};  // whose worker has stood for the last time
+    std::atomic<bool> leaving_{false};     // the driver is about to go
     std::atomic<JobEnd> end_{JobEnd::None};
 
     std::shared_ptr<CSavePage> savePage_;

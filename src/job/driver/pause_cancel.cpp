@@ -53,8 +53,8 @@ void JobDriver::CancelRepair() {
     }
     Question(2, "IDS_CANCEL_DLG_MSG ");  // the key ends with a blank
     frontEnd_.Redraw(JobSection::Frame);
-    if (state_.g_bRepairRunning != 1) {
-        EndedBehindTheQuestion();
+    if (HasEndedBehindTheDialog()) {
+        LeaveEndedJobAlone();
         return;
     }
     // The MOV percent stays 0 in an AVI job, so there the second test always passes.
@@ -67,9 +67,13 @@ void JobDriver::CancelRepair() {
     OnPauseResume();
 }
 
-// The worker was on its last steps when it was suspended, and past its last checkpoint. Its page
-// stands, whatever the answer was.
-void JobDriver::EndedBehindTheQuestion() {
+// The worker was past its last stop when it was suspended. The page that it shows stands, whatever
+// the answer was.
+bool JobDriver::HasEndedBehindTheDialog() const {
+    return state_.g_bRepairRunning != 1 || endingJob_ == job_;
+}
+
+void JobDriver::LeaveEndedJobAlone() {
     state_.g_bRepairPaused = 0;
     SetText(Pause, "IDS_PAUSE");
     control_.Resume(JobControl::Worker::Repair);

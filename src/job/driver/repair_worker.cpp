@@ -6,8 +6,9 @@
 #include "job/driver/player_args.h"
 #include "job/state/job_paths.h"
 
-// The repair worker: from the structure check or the AVI engine to the end of the job. Between two
-// of its steps it stands while it is suspended, so that nothing changes behind a question.
+// The repair worker: from the structure check or the AVI engine to the end of the job. Its engines
+// stand at their checkpoints while it is suspended, and it does so itself before it ends the job,
+// so that nothing changes behind a question.
 namespace clipfix {
 
 namespace {
@@ -23,7 +24,7 @@ void JobDriver::RepairThreadProc(JobNumber job) {
     // Exactly one worker works. An earlier one may still be inside a read of a medium that is dying
     // when its job was cancelled and the next one begun.
     const std::lock_guard turn(workerTurn_);
-    if (!StandAndGoOn(job)) {
+    if (IsReleased(job)) {
         return;
     }
     control_.Begin();
@@ -48,11 +49,10 @@ void JobDriver::RunMovJob(JobNumber job) {
     frontEnd_.SetText(StatusText, "Analyzing video file...",
                       {.height = 20, .colour = 0x4B4B4B, .face = "Segoe UI", .fill = 0xFFFFFF});
     const bool holdsMovie = movJob_->ReadStructure();
-    if (!StandAndGoOn(job)) {
-        return;
-    }
     if (!holdsMovie) {
-        EndWithoutMovie();
+        if (MayEnd(job)) {
+            EndWithoutMovie();
+        }
         return;
     }
     movJob_->FindSamples();
@@ -60,7 +60,7 @@ void JobDriver::RunMovJob(JobNumber job) {
         return;
     }
     WriteRepairedMovie();
-    if (StandAndGoOn(job)) {
+    if (MayEnd(job)) {
         EndMovJob(job);
     } else {
         RemoveOutput();  // nobody goes home from this job any more
@@ -124,7 +124,9 @@ void JobDriver::EndMovJob(JobNumber job) {
 }
 
 // A cancel that came before the structure check had set its flag, or too late to clear it.
+// The engine may have made its file all the same, and by the blanked path nobody finds it.
 void JobDriver::EndLateCancelledMovJob() {
+    RemoveOutput();
     SetOutputPath(kNoOutput);
     frontEnd_.SendAviProgress();
     frontEnd_.RunSystemBox(frontEnd_.Text("IDS_WORD8"), frontEnd_.Text("IDS_INFORMATION"));
@@ -141,13 +143,14 @@ void JobDriver::RunAviJob(JobNumber job) {
     aviEngineRuns_ = true;
     const int result = aviJob_->Repair();
     aviEngineRuns_ = false;
-    if (!StandAndGoOn(job)) {
+    if (!MayEnd(job)) {
         return;
     }
     if (result == 0) {
         TellUnhealthy();
         state_.g_bJobFailed = 1;
-    } else {
+    } else if (!control_.IsLeft()) {
+        // Of a cancelled job nothing is played, and the person may be choosing the next file.
         state_.g_strPlayerArgs = AviPlayerArgs(state_);
     }
     EndAviJob(job);
@@ -190,9 +193,11 @@ void JobDriver::GoHomeAs(JobEnd end) {
     end_ = end;
 }
 
-// Waits while the worker is suspended. False when the worker is to leave without a word.
-bool JobDriver::StandAndGoOn(JobNumber job) {
-    control_.WaitWhileSuspended(JobControl::Worker::Repair);
+// The work is done, and what follows shows on the page. Waits while the worker is suspended; from
+// then on nothing that the interface asks for comes in time any more. False when the worker is to
+// leave without a word.
+bool JobDriver::MayEnd(JobNumber job) {
+    control_.TakeStep(JobControl::Worker::Repair, [&] { endingJob_ = job; });
     return !IsReleased(job);
 }
 

@@ -18,6 +18,13 @@ void JobControl::WaitWhileSuspended(Worker worker) {
     }
 }
 
+void JobControl::TakeStep(Worker worker, const std::function<void()>& step) {
+    const auto& suspended = SuspendedFlag(worker);
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return !suspended; });
+    step();
+}
+
 void JobControl::Suspend(Worker worker) {
     const std::lock_guard lock(mutex_);
     (worker == Worker::Repair ? repairSuspended_ : saveSuspended_) = true;

@@ -32,6 +32,10 @@ class JobControl {
     // Only the wait of KeepGoing: for places that must pause and may not leave.
     void WaitWhileSuspended(Worker worker);
 
+    // Waits while the worker is suspended, and takes a short step into which no suspension falls:
+    // it comes either before, and is waited for, or behind.
+    void TakeStep(Worker worker, const std::function<void()>& step);
+
     // Stops the worker at its next checkpoint, and lets it go on. Resuming a worker that is not
     // suspended, or does not exist, does nothing.
     void Suspend(Worker worker);
