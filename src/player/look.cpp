@@ -14,7 +14,7 @@ constexpr int kTextPixels = 14;
 QString InstalledFamily() {
     const QStringList installed = QFontDatabase::families();
     for (const char* family : {"Segoe UI", "Open Sans", "Noto Sans", "DejaVu Sans"}) {
-        const QString name = QString::fromLatin1(family);
+        QString name = QString::fromLatin1(family);
         if (installed.contains(name, Qt::CaseInsensitive)) {
             return name;
         }

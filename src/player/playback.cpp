@@ -15,7 +15,9 @@ namespace clipfix {
 namespace {
 
 // Tags of what the engine is asked for, which come back with its answers.
-enum Tag : std::uint64_t { kNoTag, kLoad, kSeek, kPosition, kDuration, kPause, kEnd };
+constexpr std::uint64_t kNoTag = 0;
+constexpr std::uint64_t kLoad = 1;
+constexpr std::uint64_t kSeek = 2;
 
 struct Option {
     const char* name;
@@ -43,15 +45,17 @@ constexpr std::array kOptions{
     Option{"keep-open", "yes"},  // the last picture stays
     Option{"hr-seek", "yes"},
     Option{"audio-client-name", "Kelvo Clipfix"},
+    // A decoder in hardware gives up on streams of which one in software still shows a part, and
+    // what has been repaired may hold such.
+    Option{"hwdec", "no"},
+    Option{"gpu-hwdec-interop", "no"},
+    Option{"sws-fast", "yes"},
+    Option{"zimg-fast", "yes"},
     // Without a sound device the picture still runs at its speed.
     Option{"audio-fallback-to-null", "yes"},
 };
 
 constexpr std::array kSilentOptions{Option{"ao", "null"}};
-constexpr std::array kHardwareOptions{Option{"hwdec", "auto-safe"}};
-constexpr std::array kSoftwareOptions{Option{"hwdec", "no"}, Option{"sws-fast", "yes"},
-                                      Option{"zimg-fast", "yes"}};
-
 template <std::size_t kCount>
 bool SetOptions(mpv_handle* engine, const std::array<Option, kCount>& options) {
     // An option that this version of the engine does not have is one that it need not be told.
@@ -97,8 +101,8 @@ void Playback::EndEngine::operator()(mpv_handle* engine) const {
     mpv_terminate_destroy(engine);
 }
 
-Playback::Playback(Picture picture, QObject* parent) : QObject(parent) {
-    SetUp(picture);
+Playback::Playback(QObject* parent) : QObject(parent) {
+    SetUp();
 }
 
 Playback::~Playback() {
@@ -107,23 +111,21 @@ Playback::~Playback() {
     }
 }
 
-void Playback::SetUp(Picture picture) {
+void Playback::SetUp() {
     std::unique_ptr<mpv_handle, EndEngine> engine(mpv_create());
     if (!engine || !SetOptions(engine.get(), kOptions)) {
         return;
     }
-    const bool isSet = picture == Picture::Hardware ? SetOptions(engine.get(), kHardwareOptions)
-                                                    : SetOptions(engine.get(), kSoftwareOptions);
     if (!platform::HasSoundOutput() && !SetOptions(engine.get(), kSilentOptions)) {
         return;
     }
-    if (!isSet || mpv_initialize(engine.get()) < 0) {
+    if (mpv_initialize(engine.get()) < 0) {
         return;
     }
-    mpv_observe_property(engine.get(), kPosition, "time-pos", MPV_FORMAT_DOUBLE);
-    mpv_observe_property(engine.get(), kDuration, "duration", MPV_FORMAT_DOUBLE);
-    mpv_observe_property(engine.get(), kPause, "pause", MPV_FORMAT_FLAG);
-    mpv_observe_property(engine.get(), kEnd, "eof-reached", MPV_FORMAT_FLAG);
+    mpv_observe_property(engine.get(), kNoTag, "time-pos", MPV_FORMAT_DOUBLE);
+    mpv_observe_property(engine.get(), kNoTag, "duration", MPV_FORMAT_DOUBLE);
+    mpv_observe_property(engine.get(), kNoTag, "pause", MPV_FORMAT_FLAG);
+    mpv_observe_property(engine.get(), kNoTag, "eof-reached", MPV_FORMAT_FLAG);
     engine_ = std::move(engine);
     mpv_set_wakeup_callback(
         engine_.get(),

@@ -35,10 +35,7 @@ class Playback : public QObject {
     Q_OBJECT
 
   public:
-    enum class Picture { Hardware, Software };
-
-    // `picture` tells whether a graphics card will draw, which decides where to decode.
-    Playback(Picture picture, QObject* parent);
+    explicit Playback(QObject* parent);
     ~Playback() override;
 
     // Null when the engine could not be set up; every operation then does nothing.
@@ -78,7 +75,7 @@ class Playback : public QObject {
         void operator()(mpv_handle* engine) const;
     };
 
-    void SetUp(Picture picture);
+    void SetUp();
     void TakeEvents();
     void Take(const mpv_event& event);
     void TakeProperty(const mpv_event_property& property);

@@ -58,6 +58,7 @@ PlayerWindow::PlayerWindow(const PlayerTexts& texts, Drawing drawing, QWidget* p
     setObjectName(QStringLiteral("PlayerWindow"));
     setMinimumSize(kSmallestWindow);
     setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
     QPalette palette = this->palette();
     palette.setColor(QPalette::Window, look::kStage);
     setPalette(palette);
@@ -67,6 +68,7 @@ PlayerWindow::PlayerWindow(const PlayerTexts& texts, Drawing drawing, QWidget* p
     bar_->setPalette(QApplication::palette());
     MakeSurface(drawing);
     notice_ = new NoticePane(this);
+    notice_->setMouseTracking(true);
     bar_->raise();
     notice_->Show(Glyph::Film, texts_->Word(player_text::kOpening), {}, {});
     ConnectBar();
@@ -87,20 +89,21 @@ PlayerWindow::~PlayerWindow() {
 void PlayerWindow::MakeSurface(Drawing drawing) {
     const bool useOpenGl =
         drawing == Drawing::OpenGl || (drawing == Drawing::BestForMachine && HasGraphicsCard());
-    playback_ =
-        new Playback(useOpenGl ? Playback::Picture::Hardware : Playback::Picture::Software, this);
+    playback_ = new Playback(this);
     ConnectPlayback();
     if (!useOpenGl) {
         UseSoftwareSurface();
         return;
     }
     auto* surface = new GraphicsSurface([this] { TakeSurfaceReady(); }, this);
+    surface->setMouseTracking(true);
     surface->Connect(playback_->Handle());
     surface_ = surface;
 }
 
 void PlayerWindow::UseSoftwareSurface() {
     auto* surface = new SoftwareSurface(this);
+    surface->setMouseTracking(true);
     if (playback_->Handle() != nullptr) {
         surface->Connect(playback_->Handle());
     }
