@@ -6,9 +6,6 @@
 
 namespace clipfix {
 
-// The file of the help, and the page behind every address that has none of its own.
-inline constexpr const char* kHelpFile = "kc-clipfix.html";
-
 // The address of a page as a text names it: a whole one ("https://...") stands; the name of a help
 // page, with or without a place in it ("kc-clipfix.html#healthy-video"), is looked for beside the
 // executable and in the installed documentation. A page that is nowhere counts as beside the

@@ -16,6 +16,7 @@
 #include "shell/main_frame.h"
 #include "shell/sibling_programs.h"
 #include "shell/skin/pictures.h"
+#include "text/help_page.h"
 #include "text/profile_file.h"
 
 // The commands of the main window: home, menus, languages, help, and files that come from outside.
@@ -103,7 +104,8 @@ void CMainFrame::OnCommand(int id) {
         case kSecondPage:
         case kThirdPage:
             // The maker has no pages of its own yet: all of them lead to the help.
-            ShowPage(FindPage(parts_, QString::fromLatin1(kHelpFile)));
+            ShowPage(FindPage(parts_, QString::fromStdString(
+                                          HelpPageOf(texts_->LanguageFile().stem().string()))));
             break;
         default:
             if (id >= kFirstLanguageCommand && id <= kLastLanguageCommand) {
