@@ -456,6 +456,17 @@ class JobFlowTest : public QObject {
         QVERIFY(QFile::exists(rig.work.filePath("keys.mov")));
     }
 
+    void TheKeyboardGoesToTheNextStepHoweverFastPagesChange() {
+        WindowRig rig;
+        rig.AddFile(media_.Avi());
+        rig.Click(347);
+        rig.AddFile(media_.Cut());
+        QTRY_COMPARE(rig.frame->focusWidget(), rig.frame->Bottom().Find(Repair));
+        rig.Click(335);
+        QVERIFY(rig.ComesTo(page::kNeedReference));
+        QTRY_COMPARE(rig.frame->focusWidget(), rig.frame->Container().Find(ChooseReference));
+    }
+
     void TabReachesEveryControlOfAPage() {
         WindowRig rig;
         rig.AddFile(media_.Cut());
