@@ -48,7 +48,7 @@ CMainFrame::CMainFrame(JobState& state, Texts& texts, Settings settings)
       driver_({state, control_, frontEnd_},
               settings_.engines != nullptr ? *settings_.engines : realEngines_,
               settings_.clock != nullptr ? *settings_.clock : systemClock_,
-              {.workFolder = settings_.workFolder}),
+              {.workFolder = settings_.workFolder, .moveFile = settings_.moveFile}),
       parts_{.state = state,
              .texts = texts,
              .frontEnd = frontEnd_,

@@ -64,6 +64,7 @@ class CMainFrame : public QWidget {
         Desktop* desktop = nullptr;
         JobEngines* engines = nullptr;
         JobClock* clock = nullptr;
+        decltype(JobDriver::Settings::moveFile) moveFile = platform::MoveFileWithProgress;
     };
 
     // `state` and `texts` must outlive the window. When it goes, a job that still runs is left at

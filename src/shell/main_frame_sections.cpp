@@ -47,7 +47,11 @@ void CMainFrame::PlaceSections() {
 // handler has come back: they leave the window at once, and are deleted by the event loop.
 void CMainFrame::DropSections() {
     bottom_->StopAllTimers();
+    nextStep_ = nullptr;
     for (Section* section : Sections()) {
+        if (focusWidget() != nullptr && section->isAncestorOf(focusWidget())) {
+            focusWidget()->clearFocus();
+        }
         section->hide();
         section->setParent(nullptr);
         section->deleteLater();

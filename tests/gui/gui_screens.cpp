@@ -1,16 +1,20 @@
-// Draws every look of every control and every kind of the message window into picture files:
+// Draws every look of every control, every kind of the message window and every page of a job into
+// picture files:
 //     gui_screens FOLDER LANGUAGE
 // The scale comes from QT_SCALE_FACTOR. tests/gui/contact_sheet puts the pictures together.
 
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QTest>
 #include <cstdio>
 #include <functional>
 #include <vector>
 
 #include "gui/gui_support.h"
+#include "gui/window_rig.h"
+#include "shell/about_dlg.h"
 #include "shell/controls/button_st.h"
 #include "shell/controls/hyper_link.h"
 #include "shell/controls/picture_ex.h"
@@ -27,7 +31,7 @@ namespace {
 class Screens {
   public:
     Screens(QString folder, const QString& language)
-        : folder_(std::move(folder)), texts_(language) {}
+        : folder_(std::move(folder)), language_(language), texts_(language) {}
 
     void DrawAll() {
         DrawCommandButtons();
@@ -36,7 +40,7 @@ class Screens {
         DrawBars();
         DrawAnimations();
         DrawDialogs();
-        DrawMainFrame();
+        DrawPages();
     }
 
   private:
@@ -187,13 +191,64 @@ class Screens {
         }
     }
 
-    void DrawMainFrame() {
-        JobState state;
-        CMainFrame frame(state, texts_.Get(), {});
-        (void)frame.Create();
-        frame.show();
-        (void)QTest::qWaitForWindowExposed(&frame, 2000);
-        Save(frame, QStringLiteral("60-main-frame"));
+    // Every page of a job. The films need not be whole: what is drawn is the window.
+    void DrawPages() {
+        test::WindowRig rig(language_);
+        const QString avi = QStringLiteral(CLIPFIX_EXAMPLES_FOLDER "/damaged.avi");
+        const QString movie =
+            rig.work.filePath(QStringLiteral("A rather long name of a holiday film 2026.mp4"));
+        QFile noise(movie);
+        (void)noise.open(QIODevice::WriteOnly);
+        noise.write(QByteArray(1000, 'x'));
+        noise.close();
+        const auto page = [&](const char* name, const QStringList& standing) {
+            (void)rig.ComesTo(standing);
+            QTest::qWait(400);
+            Save(*rig.frame, QString::fromLatin1(name));
+        };
+        page("60-home", test::page::kHome);
+        rig.AddFile(movie);
+        page("61-chosen-mov", test::page::kChosenMov);
+        rig.Click(335);
+        page("62-need-reference", test::page::kNeedReference);
+        rig.ChooseReference(movie);
+        page("63-reference-chosen", test::page::kReferenceChosen);
+        rig.Click(347);
+        rig.AddFile(avi);
+        page("64-chosen-avi", test::page::kChosenAvi);
+        rig.engines.Hold();
+        rig.Click(335);
+        rig.state.g_nAviPercent = 42;
+        rig.frame->Container().Bar().SetPosition(42);
+        page("65-repairing", test::page::kRepairingAvi);
+        rig.Click(337);
+        page("66-paused", test::page::kRepairingAvi);
+        rig.Click(337);
+        rig.engines.LetGo();
+        page("67-finished", test::page::kFinished);
+        rig.desktop.filesToSave.push_back(rig.work.filePath("a.avi").toStdString());
+        rig.moveStands = true;
+        rig.Click(340);
+        page("68-saving", test::page::kSaving);
+        rig.AnswerNext(345);
+        rig.moveStands = false;
+        (void)rig.ComesTo(test::page::kHome);
+        DrawMenusAndAbout(rig);
+    }
+
+    void DrawMenusAndAbout(test::WindowRig& rig) {
+        for (const int button : {CMainFrame::kProgramMenuButton, CMainFrame::kHelpMenuButton}) {
+            QTimer::singleShot(200, &rig, [&] {
+                auto* menu = QApplication::activePopupWidget();
+                Save(*menu, QStringLiteral("7%1-menu").arg(button));
+                menu->close();
+            });
+            rig.frame->OnCommand(button);
+        }
+        CAboutDlg about(texts_.Get(), rig.frame.get());
+        about.show();
+        QTest::qWait(100);
+        Save(about, QStringLiteral("79-about"));
     }
 
     void Save(QWidget& widget, const QString& name) {
@@ -206,6 +261,7 @@ class Screens {
     }
 
     QString folder_;
+    QString language_;
     test::LanguageTexts texts_;
 };
 

@@ -111,8 +111,7 @@ class MainFrameTest : public QObject {
         updater.write("#!/bin/sh\necho \"$@\" > arguments.part && mv arguments.part arguments\n");
         updater.close();
         updater.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        CMainFrame frame(state_, english_.Get(),
-                         {.programFolder = folder.path().toStdString()});
+        CMainFrame frame(state_, english_.Get(), {.programFolder = folder.path().toStdString()});
         QVERIFY(frame.Create());
         QFile arguments(folder.filePath(QStringLiteral("arguments")));
         QTRY_VERIFY(arguments.exists());
@@ -122,8 +121,7 @@ class MainFrameTest : public QObject {
 
     void AMissingUpdaterChangesNothing() {
         const QTemporaryDir folder;
-        CMainFrame frame(state_, english_.Get(),
-                         {.programFolder = folder.path().toStdString()});
+        CMainFrame frame(state_, english_.Get(), {.programFolder = folder.path().toStdString()});
         QVERIFY(frame.Create());
         QVERIFY(QApplication::activeModalWidget() == nullptr);
     }

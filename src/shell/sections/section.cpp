@@ -8,6 +8,19 @@
 
 namespace clipfix {
 
+namespace {
+
+// Else the toolkit would hand the keyboard to whatever control comes next, in the title bar at
+// worst. The window gives it to the page's next step.
+void GiveUpFocus(QWidget& widget) {
+    QWidget* focused = widget.window()->focusWidget();
+    if (focused != nullptr && (focused == &widget || widget.isAncestorOf(focused))) {
+        focused->clearFocus();
+    }
+}
+
+}  // namespace
+
 Section::Section(const QString& name, skin::ColourValue fill, QWidget* parent) : QWidget(parent) {
     setObjectName(name);
     QPalette ground = palette();
@@ -28,6 +41,9 @@ bool Section::Shows(JobControlId control) const {
 
 void Section::SetControlVisible(JobControlId control, bool visible) {
     if (QWidget* widget = Find(control)) {
+        if (!visible) {
+            GiveUpFocus(*widget);
+        }
         widget->setVisible(visible);
         Arrange();
     }
@@ -35,6 +51,9 @@ void Section::SetControlVisible(JobControlId control, bool visible) {
 
 void Section::SetControlEnabled(JobControlId control, bool enabled) {
     if (QWidget* widget = Find(control)) {
+        if (!enabled) {
+            GiveUpFocus(*widget);
+        }
         widget->setEnabled(enabled);
     }
 }

@@ -1,5 +1,6 @@
 #include "shell/sections/x_container.h"
 
+#include <QPainter>
 #include <algorithm>
 
 #include "shell/child.h"
@@ -16,6 +17,10 @@ constexpr int kChoiceButtonHeight = 56;
 constexpr int kLeastChoiceWidth = 260;
 constexpr int kChoiceTextHeight = 24;
 constexpr int kLinkGap = 26;
+constexpr int kChoiceShift = 24;  // the buttons stand a little below the middle
+constexpr int kMarkSide = 80;
+constexpr int kMarkGap = 30;  // between the mark and the button
+constexpr qreal kMarkOpacity = 0.25;
 
 constexpr int kAnimationSide = 120;
 constexpr int kBarWidth = 600;
@@ -110,6 +115,7 @@ void CXContainer::SetControlVisible(JobControlId control, bool visible) {
         return;
     }
     Section::SetControlVisible(control, visible);
+    update();
     // The animation is a part of the progress view and goes with its bar.
     if (control == JobControlId::ProgressBar && !visible && busy_ != nullptr) {
         busy_->hide();
@@ -126,8 +132,9 @@ void CXContainer::ArrangeChoice() {
     const int middle = width() / 2;
     for (CXCmdBtn* button : {addFile_, chooseReference_}) {
         const int buttonWidth = std::max(kLeastChoiceWidth, button->sizeHint().width() + 40);
-        button->setGeometry(middle - buttonWidth / 2, (height() - kChoiceButtonHeight) / 2,
-                            buttonWidth, kChoiceButtonHeight);
+        button->setGeometry(middle - buttonWidth / 2,
+                            (height() - kChoiceButtonHeight) / 2 + kChoiceShift, buttonWidth,
+                            kChoiceButtonHeight);
     }
     const QSize link = link_->sizeHint();
     link_->setGeometry(QRect(
@@ -185,6 +192,21 @@ void CXContainer::ArrangeDetails() {
         details_[2 * row]->setGeometry(0, top, captions, kDetailLine);
         details_[2 * row + 1]->setGeometry(captions + kCaptionGap, top, values, kDetailLine);
     }
+}
+
+// On the pages of the choice the program's mark stands above the button, or alone.
+void CXContainer::paintEvent(QPaintEvent* /*event*/) {
+    if (!bar_->isHidden() || !grid_->isHidden()) {
+        return;
+    }
+    const bool withButton = !addFile_->isHidden() || !chooseReference_->isHidden();
+    const int top =
+        withButton ? addFile_->geometry().top() - kMarkGap - kMarkSide : (height() - kMarkSide) / 2;
+    QPainter painter(this);
+    painter.setOpacity(kMarkOpacity);
+    painter.drawPixmap(
+        (width() - kMarkSide) / 2, top,
+        skin::Picture(skin::kMark, QSize(kMarkSide, kMarkSide), devicePixelRatioF()));
 }
 
 }  // namespace clipfix

@@ -61,6 +61,7 @@ class CXContainer : public Section {
 
   protected:
     void Arrange() override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     CXStatic* MakeText(JobControlId control, int id, const char* key);
