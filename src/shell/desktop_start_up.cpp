@@ -2,7 +2,6 @@
 
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTimer>
 #include <iostream>
 #include <system_error>
 #include <utility>
@@ -11,6 +10,7 @@
 #include "platform/crash_file.h"
 #include "platform/folders.h"
 #include "shell/controls/accessible_controls.h"
+#include "shell/interface_thread.h"
 #include "shell/skin/fonts.h"
 #include "shell/skin/pictures.h"
 
@@ -112,7 +112,7 @@ void DesktopStartUp::ShowMainFrame() {
     mainFrame_->show();
     if (!file_.empty()) {
         // Once the message loop runs, since a file that cannot be opened is told by a dialog.
-        QTimer::singleShot(0, mainFrame_.get(), [this] { mainFrame_->OpenFile(file_); });
+        PostTo(*mainFrame_, [this] { mainFrame_->OpenFile(file_); });
     }
 }
 

@@ -7,7 +7,7 @@
 namespace clipfix {
 
 QUrl FindPage(const WindowParts& parts, const QString& address) {
-    const QUrl whole(address);
+    QUrl whole(address);
     if (!whole.scheme().isEmpty()) {
         return whole;
     }

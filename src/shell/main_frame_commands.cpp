@@ -174,6 +174,7 @@ void CMainFrame::PopUpSocialMenu() {
 // What stands in the window takes the words of the new language at once.
 void CMainFrame::OnLanguage(int id) {
     std::vector<QString> before;
+    before.reserve(kWindowKeys.size());
     for (const char* key : kWindowKeys) {
         before.push_back(WordOf(*texts_, key));
     }

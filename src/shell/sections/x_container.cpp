@@ -43,6 +43,12 @@ CXContainer::CXContainer(const WindowParts& parts, QWidget* parent)
     MakeChoice();
     MakeProgress();
     MakeDetailsGrid();
+    playerStarts_.setSingleShot(true);
+    connect(&playerStarts_, &QTimer::timeout, this, [this] {
+        if (parts_->state.g_bPlayerOpen == 1) {
+            parts_->desktop.SendFileToPlayer(fileForPlayer_);
+        }
+    });
 }
 
 void CXContainer::MakeChoice() {
@@ -183,7 +189,7 @@ void CXContainer::ArrangeDetails() {
     }
     const int all = kPlaySide + kDetailsGap + captions + kCaptionGap + values;
     const int left = std::max(0, (width() - all) / 2);
-    const int gridHeight = kDetailRows * kDetailLine;
+    const int gridHeight = static_cast<int>(kDetailRows) * kDetailLine;
     play_->setGeometry(left, (height() - kPlaySide) / 2, kPlaySide, kPlaySide);
     grid_->setGeometry(left + kPlaySide + kDetailsGap, (height() - gridHeight) / 2,
                        captions + kCaptionGap + values, gridHeight);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QTimer>
 #include <array>
+#include <string>
 
 #include "shell/controls/button_st.h"
 #include "shell/controls/hyper_link.h"
@@ -37,7 +39,7 @@ class CXContainer : public Section {
     static constexpr int kElapsedValue = 61264;
     // Caption and value in turn. The last value and the percent text share one id; it is meant.
     static constexpr int kFirstDetail = 61267;
-    static constexpr int kDetailRows = 6;
+    static constexpr std::size_t kDetailRows = 6;
     static constexpr int kPercentText = 61278;
 
     CXContainer(const WindowParts& parts, QWidget* parent);
@@ -86,6 +88,8 @@ class CXContainer : public Section {
     CButtonST* play_ = nullptr;
     CPictureEx* busyRepair_ = nullptr;  // each made on first use
     CPictureEx* busySave_ = nullptr;
+    QTimer playerStarts_;  // until the player may be sent its file
+    std::string fileForPlayer_;
     CPictureEx* busy_ = nullptr;  // the one that was started last
 };
 

@@ -1,5 +1,4 @@
 #include <QFile>
-#include <QTimer>
 
 #include "job/driver/job_engines.h"
 #include "job/state/job_paths.h"
@@ -147,11 +146,8 @@ void CXContainer::OnPreview() {
         return;
     }
     // The player gets its time to open the window; the interface goes on meanwhile.
-    QTimer::singleShot(kPlayerStartMilliseconds, this, [this, path = state.g_strOutputPath] {
-        if (parts_->state.g_bPlayerOpen == 1) {
-            parts_->desktop.SendFileToPlayer(path);
-        }
-    });
+    fileForPlayer_ = state.g_strOutputPath;
+    playerStarts_.start(kPlayerStartMilliseconds);
 }
 
 }  // namespace clipfix
