@@ -2,6 +2,8 @@
 //     mov_job DAMAGED REFERENCE OUTPUT [THREADS]
 // An OUTPUT of "-" scans only. bench/mov_vs_cp drives it.
 
+#include "support/mov_job.h"
+
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -9,7 +11,6 @@
 #include <sys/resource.h>
 
 #include "repairmov/repair_mov.h"
-#include "support/mov_job.h"
 
 namespace {
 

@@ -33,7 +33,8 @@ inline constexpr PlayerText kNoFile{"IDS_PLAYER_NO_FILE", "No video was given to
 inline constexpr PlayerText kNotFound{"IDS_PLAYER_NOT_FOUND",
                                       "The file is not there any more. It may have been moved or "
                                       "deleted."};
-inline constexpr PlayerText kNoAccess{"IDS_PLAYER_NO_ACCESS", "You do not have permission to read the file."};
+inline constexpr PlayerText kNoAccess{"IDS_PLAYER_NO_ACCESS",
+                                      "You do not have permission to read the file."};
 inline constexpr PlayerText kNotAFile{"IDS_PLAYER_NOT_A_FILE", "This is not a file."};
 inline constexpr PlayerText kEmpty{"IDS_PLAYER_EMPTY", "The file is empty."};
 inline constexpr PlayerText kNotAVideo{"IDS_PLAYER_NOT_A_VIDEO",

@@ -11,7 +11,8 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationVersion(QStringLiteral(CLIPFIX_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
 
-    // Options of the toolkit are gone from the list by now; the one word that may be left is a file.
+    // Options of the toolkit are gone from the list by now; the one word that may be left is a
+    // file.
     clipfix::DesktopStartUp steps(application, argc > 1 ? argv[1] : "");
     switch (clipfix::CKelvoClipfixApp(steps).InitInstance()) {
         case clipfix::CKelvoClipfixApp::Start::Run:
