@@ -246,6 +246,7 @@ void Playback::Take(const mpv_event& event) {
             TakePictureSize();
             break;
         case MPV_EVENT_PLAYBACK_RESTART:
+            TakePictureSize();
             seeking_ = false;
             if (seekTarget_) {
                 SendSeek();
@@ -314,8 +315,8 @@ void Playback::TakeLoaded() {
 void Playback::TakePictureSize() {
     const QSize size(static_cast<int>(Number(engine_.get(), "dwidth")),
                      static_cast<int>(Number(engine_.get(), "dheight")));
-    if (!size.isEmpty()) {
-        Q_EMIT PictureSizeChanged(size);
+    if (loaded_ && hasPicture_ && !size.isEmpty()) {
+        Q_EMIT PictureShown(size);
     }
 }
 

@@ -67,8 +67,9 @@ class Playback : public QObject {
     void DurationChanged(double seconds);
     // Playing, paused or at the end.
     void StateChanged();
-    // The size at which the picture wants to be shown, in pixels.
-    void PictureSizeChanged(QSize size);
+    // A picture can be seen now; `size` is what it wants to be shown at, in pixels. May be told
+    // more than once.
+    void PictureShown(QSize size);
 
   private:
     struct EndEngine {

@@ -135,9 +135,7 @@ void PlayerWindow::ConnectBar() {
 
 void PlayerWindow::ConnectPlayback() {
     connect(playback_, &Playback::Loaded, this, [this](bool hasPicture) {
-        if (hasPicture) {
-            notice_->hide();
-        } else {
+        if (!hasPicture) {
             notice_->Show(Glyph::Sound, texts_->Word(player_text::kSoundOnly), {}, {});
         }
     });
@@ -145,7 +143,10 @@ void PlayerWindow::ConnectPlayback() {
     connect(playback_, &Playback::PositionChanged, bar_, &ControlBar::ShowPosition);
     connect(playback_, &Playback::DurationChanged, bar_, &ControlBar::ShowDuration);
     connect(playback_, &Playback::StateChanged, this, &PlayerWindow::ShowState);
-    connect(playback_, &Playback::PictureSizeChanged, this, &PlayerWindow::FitToPicture);
+    connect(playback_, &Playback::PictureShown, this, [this](QSize size) {
+        FitToPicture(size);
+        notice_->hide();
+    });
 }
 
 void PlayerWindow::Open(const PlayerArguments& file) {

@@ -122,7 +122,7 @@ void PlayerWindowTest::cleanup() {
 void PlayerWindowTest::PlaysAndPausesBySpace() {
     OpenMovie();
     QCOMPARE(window_->windowTitle(), QStringLiteral("kc-mplayer"));
-    QVERIFY(!window_->Notice().isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(!window_->Notice().isVisible(), kPatience);
     QTRY_VERIFY_WITH_TIMEOUT(window_->CurrentPlayback().Position() > 0.3, kPatience);
     Press(Qt::Key_Space);
     QTRY_VERIFY_WITH_TIMEOUT(window_->CurrentPlayback().IsPaused(), kPatience);
@@ -175,7 +175,7 @@ void PlayerWindowTest::ShowsTheEndAndPlaysAgain() {
     Press(Qt::Key_End);
     QTRY_VERIFY_WITH_TIMEOUT(window_->CurrentPlayback().IsAtEnd(), kPatience);
     QVERIFY(Button(Glyph::PlayAgain) != nullptr);
-    QVERIFY(!window_->Notice().isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(!window_->Notice().isVisible(), kPatience);
     Press(Qt::Key_Space);
     QTRY_VERIFY_WITH_TIMEOUT(IsPlaying() && window_->CurrentPlayback().Position() < 5, kPatience);
     QVERIFY(Button(Glyph::Pause) != nullptr);
@@ -331,7 +331,7 @@ void PlayerWindowTest::TellsThatNoPictureCanBeDecoded() {
     // The untouched film plays.
     window_->Open(FileAt(good));
     QTRY_VERIFY_WITH_TIMEOUT(window_->CurrentPlayback().IsAtEnd(), kPatience);
-    QVERIFY(!window_->Notice().isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(!window_->Notice().isVisible(), kPatience);
 }
 
 void PlayerWindowTest::ShowsANoticeForSoundWithoutPicture() {
@@ -348,7 +348,7 @@ void PlayerWindowTest::PlaysAGoodFileAfterABadOne() {
     window_->Open(FileAt(folder_ / "missing.mov"));
     QTRY_VERIFY(window_->Notice().isVisible());
     OpenMovie();
-    QVERIFY(!window_->Notice().isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(!window_->Notice().isVisible(), kPatience);
     window_->Open(FileAt(folder_ / "missing.mov"));
     QTRY_VERIFY(window_->Notice().isVisible());
     QVERIFY(!window_->CurrentPlayback().IsLoaded());
