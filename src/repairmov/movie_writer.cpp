@@ -83,13 +83,18 @@ DataForkWriter::Outcome DataForkWriter::CopyInOneGo(const ChunkList& chunks,
     platform::RangeCopier copier(file_, reader_, output_, kHeadSize);
     std::uint64_t gathered = 0;
     std::uint64_t safeEnd = kHeadSize;
+    std::uint64_t begunEnd = kHeadSize;
     const auto finish = [&]() -> Outcome {
         gathered = 0;
         if (const auto done = copier.Finish(); !done) {
             NoteWriteFailure(job_.state, done.Failure());
             return Outcome::Failed;
         }
-        job_.state.g_liOutputSize = static_cast<std::int64_t>(copier.End());
+        // The movie is flushed at its end; what stands already can go to the medium meanwhile.
+        const std::uint64_t end = copier.End();
+        output_.BeginFlush(begunEnd, end - begunEnd);
+        begunEnd = end;
+        job_.state.g_liOutputSize = static_cast<std::int64_t>(end);
         return progress_.MayGoOn() ? Outcome::Done : Outcome::Left;
     };
     for (std::size_t i = 0; i < chunks.size(); ++i) {
