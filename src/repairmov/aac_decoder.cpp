@@ -5,15 +5,12 @@
 
 namespace clipfix {
 
-struct AacDecoder::Answer {
-    bool hasResult = false;
-    std::uint64_t bytesConsumed = 0;
-    std::uint8_t error = 0;
-
-    // A frame is a decode that gave something and consumed something, whatever number of samples
-    // came of it.
-    [[nodiscard]] std::uint64_t FrameBytes() const { return hasResult ? bytesConsumed : 0; }
-};
+std::string_view AacDecoder::LibraryVersion() {
+    char* version = nullptr;
+    char* copyright = nullptr;
+    NeAACDecGetVersion(&version, &copyright);
+    return version != nullptr ? std::string_view(version) : std::string_view();
+}
 
 std::unique_ptr<AacDecoder> AacDecoder::Start(std::span<const std::uint8_t, kStartBytes> bytes) {
     std::unique_ptr<AacDecoder> made(new AacDecoder);
@@ -37,7 +34,7 @@ AacDecoder::~AacDecoder() {
     }
 }
 
-std::uint64_t AacDecoder::Decode(ByteView bytes, std::size_t length) {
+AacDecoder::Answer AacDecoder::Decode(ByteView bytes, std::size_t length) {
     length = std::min(length, kMostBytes);
     const std::size_t present = std::min(bytes.size(), length);
     std::copy_n(bytes.begin(), present, shown_);
@@ -45,20 +42,19 @@ std::uint64_t AacDecoder::Decode(ByteView bytes, std::size_t length) {
     return DecodeInPlace(ByteSpan(shown_).first(length));
 }
 
-std::uint64_t AacDecoder::DecodeInPlace(ByteSpan bytes) {
-    // The library's "Unexpected channel configuration change".
-    constexpr std::uint8_t kConfigurationChanged = 21;
+AacDecoder::Answer AacDecoder::DecodeInPlace(ByteSpan bytes) {
     Answer answer = Ask(bytes);
-    if (answer.error == kConfigurationChanged && Recover()) {
+    if (answer.error == kElementsChanged && Recover()) {
         answer = Ask(bytes);
+        answer.isReplaced = true;
     }
-    return answer.FrameBytes();
+    return answer;
 }
 
 AacDecoder::Answer AacDecoder::Ask(ByteSpan bytes) {
     NeAACDecFrameInfo info{};
     const void* result = NeAACDecDecode(handle_, &info, bytes.data(), bytes.size());
-    return {result != nullptr, info.bytesconsumed, info.error};
+    return {result != nullptr, info.bytesconsumed, info.error, false};
 }
 
 // The decoder's state does not fit the stream any more: another decoder of the same configuration

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string_view>
 
 #include "base/bytes.h"
 
@@ -25,14 +26,30 @@ class AacDecoder {
     AacDecoder& operator=(const AacDecoder&) = delete;
     ~AacDecoder();
 
+    // What the library says to one question.
+    struct Answer {
+        bool hasResult = false;
+        std::uint64_t bytesConsumed = 0;
+        std::uint8_t error = 0;   // the library's number; 0 for none
+        bool isReplaced = false;  // another decoder took the place of this one, and answered
+
+        // A frame is a decode that gave something and consumed something, whatever number of
+        // samples came of it. 0 when there is none.
+        [[nodiscard]] std::uint64_t FrameBytes() const { return hasResult ? bytesConsumed : 0; }
+    };
+    // The library's error "Unexpected channel configuration change".
+    static constexpr std::uint8_t kElementsChanged = 21;
+
+    // The library's own name for its version.
+    [[nodiscard]] static std::string_view LibraryVersion();
+
     // Decodes at the first of `bytes`, of which `length` are shown; those that are missing are
-    // zero. Gives the number of bytes of the frame that stands there; 0 when there is none.
-    [[nodiscard]] std::uint64_t Decode(ByteView bytes, std::size_t length);
+    // zero.
+    [[nodiscard]] Answer Decode(ByteView bytes, std::size_t length);
     // The same on bytes where they stand: the library sees nothing but them. It may write to them.
-    [[nodiscard]] std::uint64_t DecodeInPlace(ByteSpan bytes);
+    [[nodiscard]] Answer DecodeInPlace(ByteSpan bytes);
 
   private:
-    struct Answer;
     // The part of a decoder's configuration that goes over to one that takes its place.
     struct StartedWith {
         unsigned long sampleRate = 0;

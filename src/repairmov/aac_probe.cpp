@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "repairmov/aac_decoder.h"
+#include "repairmov/aac_refusals.h"
 
 namespace clipfix {
 
@@ -76,6 +77,7 @@ std::vector<CSample> AacProbe::ProbeAacFrames(platform::WindowReader& reader, st
         return frames;
     }
     ProbeRange range(reader, offset, length);
+    AacRefusals refusals(start_);
     std::uint64_t place = 0;
     // The decoder is never asked about a zero byte, so that a stretch of zeros costs no decode.
     while (place < length && !range.IsZeroFrom(place) && goOn()) {
@@ -85,7 +87,13 @@ std::vector<CSample> AacProbe::ProbeAacFrames(platform::WindowReader& reader, st
         }
         const auto shownBytes =
             static_cast<std::size_t>(std::min<std::uint64_t>(length - place, kProbeSize));
-        const std::uint64_t taken = decoder->Decode(range.At(place, shownBytes), shownBytes);
+        const ByteView shown = range.At(place, shownBytes);
+        std::uint64_t taken = 0;
+        if (!refusals.IsCertain(shown)) {
+            const AacDecoder::Answer answer = decoder->Decode(shown, shownBytes);
+            refusals.Note(shown, answer);
+            taken = answer.FrameBytes();
+        }
         if (taken > 0) {
             frames.push_back({offset + place, taken, SampleName::Aac, true});
         }

@@ -7,6 +7,7 @@
 #include "repairmov/aac_decoder.h"
 #include "repairmov/probe_pool.h"
 #include "small_movies.h"
+#include "support/media_tools.h"
 #include "support/memory_file.h"
 #include "support/random.h"
 
@@ -73,9 +74,10 @@ TEST(AacProbe, SeesOnlyTheRange) {
 TEST(AacProbe, AFrameThatBeginsWithAZeroByteIsPassedOver) {
     const ByteVector mono{0x00, 0xC8, 0x00, 0x80, 0x23, 0x80};
     const ByteVector monoStart{0x12, 0x08};
-    ASSERT_GT(
-        AacDecoder::Start(std::span<const std::uint8_t, 2>(monoStart))->Decode(mono, mono.size()),
-        0U);
+    ASSERT_GT(AacDecoder::Start(std::span<const std::uint8_t, 2>(monoStart))
+                  ->Decode(mono, mono.size())
+                  .FrameBytes(),
+              0U);
     for (const CSample& frame : ProbeBytes(mono, 0, mono.size(), monoStart)) {
         EXPECT_GT(frame.offset, 0U);
     }
@@ -149,13 +151,14 @@ TEST(AacProbe, ASectorThatCannotBeReadCountsAsZeros) {
     EXPECT_EQ(reader.Unreadable().TotalBytes(), 512U);
 }
 
-// What the probe does, told in the plainest way: every byte by itself, one decoder, no skipping.
-std::vector<CSample> PlainProbe(ByteView range) {
+// What the probe does, told in the plainest way: every byte by itself, every question asked.
+std::vector<CSample> PlainProbe(ByteView range, const ByteVector& start) {
     std::vector<CSample> frames;
-    const auto decoder = AacDecoder::Start(std::span<const std::uint8_t, 2>(kStereo44100));
-    for (std::uint64_t place = 0; place < range.size();) {
+    const auto decoder = AacDecoder::Start(std::span<const std::uint8_t, 2>(start.data(), 2));
+    for (std::uint64_t place = 0; decoder != nullptr && place < range.size();) {
         const ByteView shown = SubView(range, place, 1024);
-        const std::uint64_t taken = shown[0] == 0 ? 0 : decoder->Decode(shown, shown.size());
+        const std::uint64_t taken =
+            shown[0] == 0 ? 0 : decoder->Decode(shown, shown.size()).FrameBytes();
         if (taken > 0) {
             frames.push_back({place, taken, SampleName::Aac, true});
         }
@@ -164,24 +167,68 @@ std::vector<CSample> PlainProbe(ByteView range) {
     return frames;
 }
 
+// Decoder-specific bytes of every kind: objects 1, 2 and 4 in mono, stereo and more, low rates that
+// mean spectral band replication, and one with error resilience.
+const std::vector<ByteVector>& Starts() {
+    static const std::vector<ByteVector> starts{
+        {0x12, 0x10}, {0x12, 0x08}, {0x11, 0x90}, {0x12, 0x30}, {0x13, 0x90},
+        {0x14, 0x08}, {0x0A, 0x10}, {0x22, 0x10}, {0x8A, 0x10}, {0x2B, 0x92}};
+    return starts;
+}
+
+// Frames that an encoder made, one behind the other, for a stereo stream at 48000 Hz.
+ByteVector EncodedFrames() {
+    const TempFolder folder;
+    MakeMedia(folder / "sound.mp4", "-f lavfi -i anoisesrc=r=48000:a=0.4 -t 2 -ac 2 -c:a aac");
+    const ByteVector file = ReadFile(folder / "sound.mp4");
+    ByteVector mdat = TopLevelAtom(file, "mdat");
+    mdat.erase(mdat.begin(), mdat.begin() + 8);
+    return mdat;
+}
+
 TEST(AacProbe, NoiseWithFramesAndZerosGivesWhatThePlainWayGives) {
     Random random(7);
-    for (int round = 0; round < 20; ++round) {
+    const ByteVector encoded = EncodedFrames();
+    std::size_t found = 0;
+    for (int round = 0; round < 30; ++round) {
         ByteBuilder range;
         while (range.Size() < 8000) {
-            switch (random.Below(3)) {
+            switch (random.Below(5)) {
                 case 0:
                     range.Bytes(SilentFrames(static_cast<int>(random.Below(20))));
                     break;
                 case 1:
                     range.Zeros(random.Below(600));
                     break;
+                case 2:
+                    range.Text("TAG").Bytes(random.Bytes(random.Below(5)));
+                    break;
+                case 3:
+                    range.Bytes(SubView(encoded, random.Below(40000), random.Below(2000)));
+                    break;
                 default:
                     range.Bytes(random.Bytes(random.Below(900)));
                     break;
             }
         }
-        EXPECT_EQ(ProbeBytes(range.View(), 0, range.Size()), PlainProbe(range.View()));
+        const ByteVector& start = Starts()[static_cast<std::size_t>(round) % Starts().size()];
+        const auto frames = ProbeBytes(range.View(), 0, range.Size(), start);
+        EXPECT_EQ(frames, PlainProbe(range.View(), start)) << round;
+        found += frames.size();
+    }
+    EXPECT_GT(found, 100U);
+}
+
+TEST(AacProbe, BrokenSoundGivesWhatThePlainWayGives) {
+    Random random(17);
+    const ByteVector encoded = EncodedFrames();
+    for (int round = 0; round < 10; ++round) {
+        ByteVector broken = encoded;
+        for (int i = 0; i < 20; ++i) {
+            broken[random.Below(static_cast<std::uint32_t>(broken.size()))] = random.Byte();
+        }
+        const ByteVector start{0x11, 0x90};
+        EXPECT_EQ(ProbeBytes(broken, 0, broken.size(), start), PlainProbe(broken, start)) << round;
     }
 }
 
