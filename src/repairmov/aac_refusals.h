@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/bit_reader.h"
 #include "base/bytes.h"
 #include "repairmov/aac_decoder.h"
 
@@ -18,6 +19,9 @@ namespace clipfix {
 //    looks into is what its frames begin with for good, and the others are refused at sight. A pair
 //    may leave a mark at the first such refusal, and only then.
 //  - The same kind as ever with the reserved bit of its window data set: refused right there.
+//  - Data of the stream and plain filling leave no trace; what is behind them decides. Filling that
+//    holds band replication is refused where no channel went before it, and so is a configuration
+//    that is not the first of its frame. One that is the first leaves its traces: it is asked.
 // A refusal also clears what the synthesis of the sound remembers. So none of this holds right
 // after a frame, and it does hold again after any refusal that was really asked for.
 //
@@ -35,8 +39,21 @@ class AacRefusals {
     void Note(ByteView shown, const AacDecoder::Answer& answer);
 
   private:
-    enum Element : std::uint8_t { kSingle = 0, kPair = 1, kCoupling = 2, kEffects = 3, kEnd = 7 };
-    [[nodiscard]] static bool HasReservedBit(ByteView shown, Element element);
+    enum class Element : std::uint8_t {
+        Single,
+        Pair,
+        Coupling,
+        Effects,
+        Data,
+        Configuration,
+        Filling,
+        End
+    };
+    [[nodiscard]] static bool IsChannels(Element element);
+    [[nodiscard]] static bool HasReservedBit(BitReader& bits, Element element);
+    [[nodiscard]] static bool SkipData(BitReader& bits);
+    [[nodiscard]] static std::optional<bool> IsFillingRefused(BitReader& bits);
+    [[nodiscard]] bool IsRefused(BitReader& bits, Element channels) const;
 
     bool applies_ = false;
     bool isCleared_ = true;         // nothing happened since the last refusal
