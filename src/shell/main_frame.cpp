@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
+#include <array>
 #include <utility>
 
 #include "job/state/job_paths.h"
@@ -24,9 +25,21 @@ constexpr int kBarButton = 26;
 constexpr int kBarGap = 6;
 constexpr int kBarMargin = 12;
 constexpr int kMarkSize = 22;
-// Heights of the top and the bottom section; the centre takes the rest.
-constexpr int kTopSection = 88;
-constexpr int kBottomSection = 92;
+
+struct BarButton {
+    int id;
+    int picture;
+    const char* key;  // of its name
+};
+
+// From left to right.
+constexpr std::array kBarButtons{
+    BarButton{CMainFrame::kHomeButton, skin::kHome, "IDS_HOME"},
+    BarButton{CMainFrame::kHelpMenuButton, skin::kHelpMenu, "IDS_HELP"},
+    BarButton{CMainFrame::kProgramMenuButton, skin::kProgramMenu, "IDS_MENU"},
+    BarButton{CMainFrame::kMinimiseButton, skin::kMinimise, "IDS_MINIMIZE"},
+    BarButton{CMainFrame::kMaximiseButton, skin::kMaximise, "IDS_MAXIMIZE"},
+    BarButton{CMainFrame::kCloseButton, skin::kClose, "IDS_CLOSE"}};
 
 CMainFrame::Settings WithWorkFolder(CMainFrame::Settings settings) {
     if (settings.workFolder.empty()) {
@@ -75,6 +88,7 @@ bool CMainFrame::Create() {
     setWindowTitle(QStringLiteral("Kelvo Clipfix"));
     setWindowIcon(QIcon(skin::PictureFile(skin::kMark)));
     resize(kFirstSize);
+    toolkitTexts_.Use(LanguageInUse());
     MakeTitleBar();
     MakeSections();
     // The updater looks for news by itself; whether it could be started does not matter here.
@@ -84,39 +98,49 @@ bool CMainFrame::Create() {
     return true;
 }
 
-CButtonST* CMainFrame::MakeBarButton(int id, int picture, const QString& name) {
-    auto* button = MakeChild<CButtonST>(id, picture, name, this);
-    button->resize(kBarButton, kBarButton);
-    return button;
+void CMainFrame::MakeTitleBar() {
+    for (const BarButton& made : kBarButtons) {
+        auto* button = MakeChild<CButtonST>(made.id, made.picture, QString(), this);
+        button->resize(kBarButton, kBarButton);
+        connect(button, &CButtonST::clicked, this, [this, id = made.id] { OnBarButton(id); });
+        barButtons_.push_back(button);
+    }
+    NameBarButtons();
+    PlaceTitleBar();
 }
 
-void CMainFrame::MakeTitleBar() {
-    homeButton_ = MakeBarButton(kHomeButton, skin::kHome,
-                                QString::fromStdString(texts_->Text("IDS_HOME", kTitleTextSize)));
-    CButtonST* help = MakeBarButton(kHelpMenuButton, skin::kHelpMenu, QStringLiteral("Help"));
-    CButtonST* menu = MakeBarButton(kProgramMenuButton, skin::kProgramMenu, QStringLiteral("Menu"));
-    CButtonST* minimise =
-        MakeBarButton(kMinimiseButton, skin::kMinimise, QStringLiteral("Minimize"));
-    maximiseButton_ = MakeBarButton(kMaximiseButton, skin::kMaximise, QStringLiteral("Maximize"));
-    CButtonST* close = MakeBarButton(kCloseButton, skin::kClose, QStringLiteral("Close"));
-    rightButtons_ = {close, maximiseButton_, minimise, menu, help, homeButton_};
-    connect(close, &CButtonST::clicked, this, [this] { OnSystemCommand(SystemCommand::Close); });
-    connect(minimise, &CButtonST::clicked, this,
-            [this] { OnSystemCommand(SystemCommand::Minimise); });
-    connect(maximiseButton_, &CButtonST::clicked, this, [this] {
-        OnSystemCommand(maximised_ ? SystemCommand::Restore : SystemCommand::Maximise);
-    });
-    for (CButtonST* button : {homeButton_, help, menu}) {
-        connect(button, &CButtonST::clicked, this, [this, button] { OnCommand(button->Id()); });
+void CMainFrame::NameBarButtons() {
+    for (std::size_t i = 0; i < kBarButtons.size(); ++i) {
+        const bool restores = kBarButtons[i].id == kMaximiseButton && maximised_;
+        barButtons_[i]->SetName(WordOf(*texts_, restores ? "IDS_RESTORE" : kBarButtons[i].key));
+        if (kBarButtons[i].id == kMaximiseButton) {
+            barButtons_[i]->SetPicture(restores ? skin::kRestore : skin::kMaximise);
+        }
     }
-    PlaceTitleBar();
+}
+
+void CMainFrame::OnBarButton(int id) {
+    switch (id) {
+        case kCloseButton:
+            OnSystemCommand(SystemCommand::Close);
+            break;
+        case kMinimiseButton:
+            OnSystemCommand(SystemCommand::Minimise);
+            break;
+        case kMaximiseButton:
+            OnSystemCommand(maximised_ ? SystemCommand::Restore : SystemCommand::Maximise);
+            break;
+        default:
+            OnCommand(id);
+            break;
+    }
 }
 
 void CMainFrame::PlaceTitleBar() {
     int right = width() - kBarMargin;
     const int top = (kTitleBarHeight - kBarButton) / 2;
-    for (CButtonST* button : rightButtons_) {
-        button->move(right - kBarButton, top);
+    for (auto button = barButtons_.rbegin(); button != barButtons_.rend(); ++button) {
+        (*button)->move(right - kBarButton, top);
         right -= kBarButton + kBarGap;
     }
 }
@@ -135,14 +159,12 @@ void CMainFrame::OnSystemCommand(SystemCommand command) {
             break;
         case SystemCommand::Maximise:
             maximised_ = true;
-            maximiseButton_->SetPicture(skin::kRestore);
-            maximiseButton_->SetName(QStringLiteral("Restore"));
+            NameBarButtons();
             setGeometry(screen()->availableGeometry());
             break;
         case SystemCommand::Restore:
             maximised_ = false;
-            maximiseButton_->SetPicture(skin::kMaximise);
-            maximiseButton_->SetName(QStringLiteral("Maximize"));
+            NameBarButtons();
             resize(kNormalSize);
             CentreOnScreen();
             break;

@@ -15,6 +15,7 @@
 #include "shell/sections/x_bottom_section.h"
 #include "shell/sections/x_container.h"
 #include "shell/sections/x_top_section.h"
+#include "shell/toolkit_texts.h"
 #include "shell/window_front_end.h"
 #include "text/texts.h"
 
@@ -130,12 +131,14 @@ class CMainFrame : public QWidget {
     void PopUpSocialMenu();
     void AddCommand(QMenu& menu, const QString& label, int id);
     void OnLanguage(int id);
+    [[nodiscard]] std::string LanguageInUse() const;
     void OnUpdate();
     void ShowPage(const QUrl& page);
     [[nodiscard]] DropTarget TargetOf(const QString& file) const;
     void MakeTitleBar();
-    CButtonST* MakeBarButton(int id, int picture, const QString& name);
+    void NameBarButtons();
     void PlaceTitleBar();
+    void OnBarButton(int id);
     void OnClose();
 
     JobState* state_;
@@ -148,11 +151,10 @@ class CMainFrame : public QWidget {
     WindowFrontEnd frontEnd_;
     JobDriver driver_;
     WindowParts parts_;
+    ToolkitTexts toolkitTexts_;
 
     // The toolkit owns them, as children of the window.
-    std::vector<CButtonST*> rightButtons_;  // from the right edge on
-    CButtonST* maximiseButton_ = nullptr;
-    CButtonST* homeButton_ = nullptr;
+    std::vector<CButtonST*> barButtons_;  // from left to right
     CXTopSection* top_ = nullptr;
     CXContainer* container_ = nullptr;
     CXBottomSection* bottom_ = nullptr;

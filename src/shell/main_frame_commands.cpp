@@ -68,9 +68,12 @@ constexpr std::array kWindowKeys{"IDS_SELECT_VIDEO",
                                  "IDS_TRACK",
                                  "IDS_CODEC",
                                  "IDS_US_PER_FRAME",
-                                 "IDS_DURATION"};
+                                 "IDS_DURATION",
+                                 "IDS_PROGRESS",
+                                 "IDS_BUSY"};
 
 constexpr int kOpenFailed = 4;  // kind of message
+constexpr QLatin1String kBehind(": ");
 
 }  // namespace
 
@@ -104,8 +107,7 @@ void CMainFrame::OnCommand(int id) {
         case kSecondPage:
         case kThirdPage:
             // The maker has no pages of its own yet: all of them lead to the help.
-            ShowPage(FindPage(parts_, QString::fromStdString(
-                                          HelpPageOf(texts_->LanguageFile().stem().string()))));
+            ShowPage(FindPage(parts_, QString::fromStdString(HelpPageOf(LanguageInUse()))));
             break;
         default:
             if (id >= kFirstLanguageCommand && id <= kLastLanguageCommand) {
@@ -139,23 +141,23 @@ void CMainFrame::AddCommand(QMenu& menu, const QString& label, int id) {
 // The menu of the languages offers those that have a command and whose file is here.
 void CMainFrame::PopUpProgramMenu() {
     QMenu menu(this);
-    QMenu* languages = menu.addMenu(QStringLiteral("Language"));
+    QMenu* languages = menu.addMenu(WordOf(*texts_, "IDS_MENU_LANGUAGE"));
     const auto folder = texts_->LanguageFile().parent_path();
     for (const LanguageEntry& language : kLanguages) {
         if (ProfileFileOpens(folder / (std::string(language.name) + ".ini"))) {
             AddCommand(*languages, QString::fromUtf8(language.label), language.id);
         }
     }
-    AddCommand(menu, QStringLiteral("Update"), kUpdate);
+    AddCommand(menu, WordOf(*texts_, "IDS_MENU_UPDATE"), kUpdate);
     const QWidget* button = findChild<QWidget*>(QString::number(kProgramMenuButton));
     menu.exec(button->mapToGlobal(QPoint(0, button->height())));
 }
 
 void CMainFrame::PopUpHelpMenu() {
     QMenu menu(this);
-    AddCommand(menu, QStringLiteral("Help"), kHelp);
-    AddCommand(menu, QStringLiteral("Support"), kSupport);
-    AddCommand(menu, QStringLiteral("About"), kAbout);
+    AddCommand(menu, WordOf(*texts_, "IDS_HELP"), kHelp);
+    AddCommand(menu, WordOf(*texts_, "IDS_SUPPORT"), kSupport);
+    AddCommand(menu, WordOf(*texts_, "IDS_MENU_ABOUT"), kAbout);
     const QWidget* button = findChild<QWidget*>(QString::number(kHelpMenuButton));
     menu.exec(button->mapToGlobal(QPoint(0, button->height())));
 }
@@ -171,6 +173,10 @@ void CMainFrame::PopUpSocialMenu() {
     menu.exec(mapToGlobal(QPoint(width() / 2, kTitleBarHeight)));
 }
 
+std::string CMainFrame::LanguageInUse() const {
+    return texts_->LanguageFile().stem().string();
+}
+
 // What stands in the window takes the words of the new language at once.
 void CMainFrame::OnLanguage(int id) {
     std::vector<QString> before;
@@ -178,6 +184,7 @@ void CMainFrame::OnLanguage(int id) {
     for (const char* key : kWindowKeys) {
         before.push_back(WordOf(*texts_, key));
     }
+    const QString destination = WordOf(*texts_, "IDS_DESTINATION");
     if (!texts_->ChooseLanguage(id)) {
         return;
     }
@@ -187,10 +194,17 @@ void CMainFrame::OnLanguage(int id) {
             words.insert(before[i], WordOf(*texts_, kWindowKeys[i]));
         }
     }
+    const auto translate = [&](const QString& text) {
+        // The path of a save stands behind its caption.
+        const bool hasCaption = !destination.isEmpty() && text.startsWith(destination + kBehind);
+        return hasCaption ? WordOf(*texts_, "IDS_DESTINATION") + text.mid(destination.size())
+                          : words.value(text, text);
+    };
     for (Section* section : Sections()) {
-        section->Translate([&](const QString& text) { return words.value(text, text); });
+        section->Translate(translate);
     }
-    homeButton_->SetName(WordOf(*texts_, "IDS_HOME"));
+    NameBarButtons();
+    toolkitTexts_.Use(LanguageInUse());
 }
 
 CMainFrame::DropTarget CMainFrame::TargetOf(const QString& file) const {

@@ -157,9 +157,7 @@ void CMessageDlg::MakeButtons() {
     } else {
         firstFocus_ = MakeButton(kOk, "IDS_OK", layout_.rightButton, false);
     }
-    closeBox_ = MakeChild<CButtonST>(kCloseBox, skin::kClose,
-                                     WordOf(IsQuestion() ? "IDS_NO" : "IDS_OK"), this);
-    closeBox_->setToolTip({});
+    closeBox_ = MakeChild<CButtonST>(kCloseBox, skin::kClose, WordOf("IDS_CLOSE"), this);
     closeBox_->setGeometry(layout_.closeBox);
     connect(closeBox_, &CButtonST::clicked, this, [this] { OnCommand(kCloseBox); });
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <initializer_list>
+#include <utility>
 
 namespace clipfix {
 namespace {
@@ -66,6 +67,18 @@ LanguageName LanguageOfIdentifier(std::uint32_t identifier) {
         return {"Spanish", "ES"};
     }
     return {"English", "EN"};
+}
+
+std::string_view LanguageCodeOf(std::string_view language) {
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 5> kCodes{
+        {{"French", "fr"},
+         {"German", "de"},
+         {"Italian", "it"},
+         {"Portuguese", "pt"},
+         {"Spanish", "es"}}};
+    const auto* found = std::find_if(kCodes.begin(), kCodes.end(),
+                                     [&](const auto& row) { return row.first == language; });
+    return found == kCodes.end() ? kEnglishCode : found->second;
 }
 
 std::uint32_t IdentifierOfLocaleName(std::string_view name) {

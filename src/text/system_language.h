@@ -16,6 +16,12 @@ struct LanguageName {
 // country variant above them).
 [[nodiscard]] LanguageName LanguageOfIdentifier(std::uint32_t identifier);
 
+inline constexpr std::string_view kEnglishCode = "en";
+
+// The two-letter code of a language by the name of its file, "de" for "German", as the help and the
+// toolkit's own texts are named; that of English for a language that the program does not know.
+[[nodiscard]] std::string_view LanguageCodeOf(std::string_view language);
+
 // The language identifier of a POSIX locale name such as "de_AT.UTF-8" or "pt". A country that the
 // identifiers do not know counts as the language's first one; a language outside the table of
 // LanguageOfIdentifier and the names "C" and "POSIX" give 0.

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QTemporaryFile>
 #include <QTest>
+#include <array>
 #include <atomic>
 #include <thread>
 
@@ -11,6 +12,7 @@
 #include "shell/details.h"
 #include "shell/interface_calls.h"
 #include "shell/sections/x_container.h"
+#include "shell/toolkit_texts.h"
 
 namespace clipfix {
 namespace {
@@ -91,6 +93,25 @@ class WindowPartsTest : public QObject {
                  QStringLiteral("Mov Files (*.mov *.mp4)"));
         QCOMPARE(ToolkitFilter(QStringLiteral("Movie File(*.mov)|*.mov||")),
                  QStringLiteral("Movie File (*.mov)"));
+    }
+
+    void TheToolkitsOwnWordsFollowTheLanguage() {
+        const std::array<std::pair<const char*, const char*>, 6> words{{{"German", "Abbrechen"},
+                                                                        {"French", "Annuler"},
+                                                                        {"Italian", "Annulla"},
+                                                                        {"Portuguese", "Cancelar"},
+                                                                        {"Spanish", "Cancelar"},
+                                                                        {"English", "Cancel"}}};
+        ToolkitTexts texts;
+        for (const auto& [language, cancel] : words) {
+            texts.Use(language);
+            QVERIFY2(QCoreApplication::translate("QPlatformTheme", "Cancel") ==
+                         QString::fromUtf8(cancel),
+                     "the package qt6-translations-l10n is missing");
+        }
+        texts.Use("German");
+        texts.Use("Klingon");
+        QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Cancel"));
     }
 
     void EachCodeOfAFailedStartHasItsText() {

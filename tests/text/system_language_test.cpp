@@ -67,5 +67,12 @@ TEST(SystemLanguage, FindsTheIdentifierOfALocaleName) {
     EXPECT_EQ(IdentifierOfLocaleName("ja_JP"), 0U);
 }
 
+TEST(SystemLanguage, HasTheCodesOfTheLanguageFiles) {
+    EXPECT_EQ(LanguageCodeOf("German"), "de");
+    EXPECT_EQ(LanguageCodeOf("Portuguese"), "pt");
+    EXPECT_EQ(LanguageCodeOf("English"), "en");
+    EXPECT_EQ(LanguageCodeOf("Klingon"), "en");
+}
+
 }  // namespace
 }  // namespace clipfix

@@ -78,14 +78,15 @@ void Section::SetControlText(JobControlId control, const QString& text, const Te
 }
 
 void Section::Translate(const std::function<QString(const QString&)>& translate) {
-    for (auto* label : findChildren<CXStatic*>()) {
-        label->setText(translate(label->text()));
-    }
-    for (auto* button : findChildren<QAbstractButton*>()) {
-        if (auto* picture = qobject_cast<CButtonST*>(button)) {
+    for (auto* widget : findChildren<QWidget*>()) {
+        if (auto* picture = qobject_cast<CButtonST*>(widget)) {
             picture->SetName(translate(picture->accessibleName()));
-        } else {
+        } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
             button->setText(translate(button->text()));
+        } else if (auto* label = qobject_cast<CXStatic*>(widget)) {
+            label->setText(translate(label->text()));
+        } else if (!widget->accessibleName().isEmpty()) {
+            widget->setAccessibleName(translate(widget->accessibleName()));
         }
     }
     Arrange();

@@ -86,6 +86,7 @@ void CXContainer::MakeProgress() {
     status_ = MakeText(JobControlId::StatusText, kStatusText, nullptr);
     status_->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
     bar_ = MakeChild<CXProgressBar>(kProgressBar, parts_->state, this);
+    bar_->setAccessibleName(WordOf(parts_->texts, "IDS_PROGRESS"));
     bar_->hide();
     Register(JobControlId::ProgressBar, bar_);
     percent_ = MakeText(JobControlId::PercentText, kPercentText, nullptr);

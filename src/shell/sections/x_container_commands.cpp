@@ -110,6 +110,7 @@ void CXContainer::ShowBusyAnimation(bool ofSave) {
     CPictureEx*& picture = ofSave ? busySave_ : busyRepair_;
     if (picture == nullptr) {
         picture = MakeChild<CPictureEx>(kBusyAnimation, this);
+        picture->setAccessibleName(WordOf(parts_->texts, "IDS_BUSY"));
         Arrange();
         (void)picture->Load(ofSave ? skin::kBusySave : skin::kBusyRepair);
     }
