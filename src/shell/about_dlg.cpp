@@ -1,12 +1,13 @@
 #include "shell/about_dlg.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QVBoxLayout>
+#include <array>
 
 #include "shell/child.h"
 #include "shell/controls/x_cmd_btn.h"
-#include "shell/controls/x_static.h"
 #include "shell/sections/section.h"
 #include "shell/skin/fonts.h"
 #include "shell/skin/pictures.h"
@@ -15,27 +16,30 @@ namespace clipfix {
 
 namespace {
 
+constexpr int kWidth = 600;
 constexpr int kMargin = 28;
 constexpr int kMarkSide = 72;
-constexpr int kNameHeight = 30;
-constexpr int kTextHeight = 19;
+constexpr int kNameHeight = 34;
+constexpr int kTextHeight = 20;
+constexpr int kTableHeight = 18;
+constexpr int kTableGap = 28;  // between a component and its licence
 
-constexpr const char* kLicence =
-    "This program is free software under the GNU General Public License, version 2 or any later "
-    "version. It comes without any warranty.";
-constexpr const char* kUsed =
-    "It is made with FAAD2 (GNU GPL 2 or later), Qt 6 (GNU LGPL 3), libmpv in the preview player "
-    "(GNU GPL 2 or later), {fmt}, CLI11 and JSON for Modern C++ on the command line (MIT and BSD "
-    "licences).";
+// Names of products and short names of licences (SPDX) are the same in every language.
+struct Component {
+    const char* name;
+    const char* licence;
+};
 
-CXStatic* MakeLine(QWidget* parent, const QString& text, int height, const char* face) {
-    auto* line = MakeChild<CXStatic>(0, parent);
-    line->SetFace(QString::fromLatin1(face));
-    line->SetHeight(height);
-    line->setWordWrap(true);
-    line->setText(text);
-    return line;
-}
+constexpr std::array kComponents{
+    Component{"Qt 6", "LGPL-3.0-only"},
+    Component{"libmpv, FFmpeg", "GPL-2.0-or-later"},
+    Component{"FAAD2", "GPL-2.0-or-later"},
+    Component{"Boost", "BSL-1.0"},
+    Component{"{fmt}", "MIT"},
+    Component{"JSON for Modern C++", "MIT"},
+    Component{"CLI11", "BSD-3-Clause"},
+    Component{"Open Sans", "Apache-2.0"},
+};
 
 }  // namespace
 
@@ -43,29 +47,67 @@ CAboutDlg::CAboutDlg(const Texts& texts, QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
     setObjectName(QStringLiteral("CAboutDlg"));
     setWindowTitle(WordOf(texts, "IDS_ABOUT"));
+    setAccessibleName(windowTitle());
     auto* column = MakeChild<QVBoxLayout>(this);
     column->setContentsMargins(kMargin + kMarkSide + kMargin, kMargin, kMargin, kMargin);
-    column->setSpacing(12);
-    column->addWidget(
-        MakeLine(this, QStringLiteral("Kelvo Clipfix"), kNameHeight, skin::kEmphasisFace));
-    column->addWidget(MakeLine(
-        this,
+    column->setSpacing(0);
+    column->addWidget(MakeText(QStringLiteral("Kelvo Clipfix"), kNameHeight, skin::kEmphasisFace));
+    auto* version = MakeText(
         WordOf(texts, "IDS_VERSION_TEXT") + QLatin1Char(' ') + QStringLiteral(CLIPFIX_VERSION),
-        kTextHeight, skin::kFace));
-    column->addWidget(MakeLine(this, QString::fromLatin1(kLicence), kTextHeight, skin::kFace));
-    column->addWidget(MakeLine(this, QString::fromLatin1(kUsed), kTextHeight, skin::kFace));
-    auto* row = MakeChild<QHBoxLayout>();
-    column->addSpacing(8);
-    column->addLayout(row);
+        kTextHeight, skin::kFace);
+    version->SetTextColour(skin::kQuietText);
+    column->addWidget(version);
+    for (const char* key : {"IDS_ABOUT_PURPOSE", "IDS_ABOUT_LICENCE"}) {
+        column->addSpacing(kTextHeight / 2);
+        column->addWidget(MakeText(WordOf(texts, key), kTextHeight, skin::kFace));
+    }
+    column->addSpacing(kTextHeight);
+    column->addWidget(
+        MakeText(WordOf(texts, "IDS_ABOUT_COMPONENTS"), kTextHeight, skin::kEmphasisFace));
+    column->addSpacing(kTextHeight / 4);
+    column->addLayout(MakeTable());
+    column->addSpacing(kTextHeight);
+    column->addLayout(MakeButtonRow(WordOf(texts, "IDS_OK")));
+    setFixedSize(kWidth, column->totalHeightForWidth(kWidth));
+}
+
+CXStatic* CAboutDlg::MakeText(const QString& words, int height, const char* face) {
+    auto* text = MakeChild<CXStatic>(nextText_++, this);
+    text->SetFace(QString::fromLatin1(face));
+    text->SetHeight(height);
+    text->setWordWrap(true);
+    text->setText(words);
+    return text;
+}
+
+QGridLayout* CAboutDlg::MakeTable() {
+    auto* table = MakeChild<QGridLayout>();
+    table->setHorizontalSpacing(kTableGap);
+    table->setVerticalSpacing(1);
+    table->setColumnStretch(1, 1);
+    int row = 0;
+    for (const Component& component : kComponents) {
+        auto* name = MakeText(QString::fromLatin1(component.name), kTableHeight, skin::kFace);
+        auto* licence = MakeText(QString::fromLatin1(component.licence), kTableHeight, skin::kFace);
+        name->setWordWrap(false);
+        licence->SetTextColour(skin::kQuietText);
+        table->addWidget(name, row, 0);
+        table->addWidget(licence, row, 1);
+        ++row;
+    }
+    return table;
+}
+
+QHBoxLayout* CAboutDlg::MakeButtonRow(const QString& label) {
     auto* ok = MakeChild<CXCmdBtn>(kOk, this);
-    ok->setText(WordOf(texts, "IDS_OK"));
+    ok->setText(label);
     ok->setFixedSize(ok->sizeHint());
+    connect(ok, &CXCmdBtn::clicked, this, &QDialog::accept);
+    ok->setFocus();
+    auto* row = MakeChild<QHBoxLayout>();
     row->addStretch();
     row->addWidget(ok);
-    connect(ok, &CXCmdBtn::clicked, this, &QDialog::accept);
-    constexpr int kWidth = 600;
-    setFixedSize(kWidth, column->heightForWidth(kWidth));
-    ok->setFocus();
+    return row;
 }
 
 void CAboutDlg::paintEvent(QPaintEvent* /*event*/) {

@@ -23,6 +23,7 @@ inline constexpr ColourValue kFrame = 0xACACAC;
 inline constexpr ColourValue kBarEdge = 0xE0DCD8;
 inline constexpr ColourValue kFocus = 0xEF8700;
 inline constexpr ColourValue kFaceText = 0xFFFFFF;
+inline constexpr ColourValue kQuietText = 0x6B6B6B;
 inline constexpr ColourValue kDisabledText = 0x8A827A;
 inline constexpr ColourValue kSeparator = 0xDCDCDC;
 
