@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string_view>
 
 namespace clipfix::platform {
@@ -16,5 +17,20 @@ namespace clipfix::platform {
 // core file included. Where the file cannot be made, nothing is written. To be called once, by the
 // main thread; `version` is copied.
 void InstallCrashHandler(const std::filesystem::path& file, std::string_view version);
+
+// While it lives, a crash of the thread that made it is written down also when that thread's own
+// stack is full. The main thread has the like from InstallCrashHandler; each worker makes one as
+// its first step. It is destroyed by the thread that made it.
+class CrashStack {
+  public:
+    CrashStack();
+    CrashStack(const CrashStack&) = delete;
+    CrashStack& operator=(const CrashStack&) = delete;
+    ~CrashStack();
+
+  private:
+    struct Stacks;
+    std::unique_ptr<Stacks> stacks_;
+};
 
 }  // namespace clipfix::platform

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/crash_file.h"
 #include "platform/window_reader.h"
 
 namespace clipfix {
@@ -80,6 +81,7 @@ std::vector<CSample> ProbePool::TakeNext() {
 }
 
 void ProbePool::Work() {
+    const platform::CrashStack crashStack;
     std::unique_lock lock(mutex_);
     while (true) {
         toDo_.wait(lock, [this] { return isClosing_ || !waiting_.empty(); });

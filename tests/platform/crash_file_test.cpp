@@ -1,7 +1,9 @@
 #include "platform/crash_file.h"
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -48,6 +50,13 @@ void ReadForbiddenMemory() {
     (void)*static_cast<volatile char*>(page);
 }
 
+// Calls itself until the stack is full. The condition is never met, which no compiler can know.
+int FillTheStack(int depth) {
+    std::array<volatile char, 4096> block{};
+    block[0] = static_cast<char>(depth);
+    return depth < 0 ? 0 : FillTheStack(depth + 1) + block[0];
+}
+
 TEST(CrashFile, TellsOfTheSignalTheAddressAndTheVersion) {
     const test::TempFolder folder;
     const auto file = folder.Path() / "new.dmp";
@@ -72,6 +81,44 @@ TEST(CrashFile, IsWrittenForAnAbortAndForAnExceptionThatNobodyCatches) {
     EXPECT_THAT(ReadAll(file), HasSubstr("Signal: 6 (SIGABRT"));
 }
 
+TEST(CrashFile, IsWrittenForAFullStackOfTheMainThread) {
+    const test::TempFolder folder;
+    const auto file = folder.Path() / "new.dmp";
+    EXPECT_EQ(SignalAfter(file, [] { (void)FillTheStack(0); }), SIGSEGV);
+    EXPECT_THAT(ReadAll(file), HasSubstr("Signal: 11 (SIGSEGV"));
+}
+
+TEST(CrashFile, IsWrittenForAFullStackOfAWorker) {
+    const test::TempFolder folder;
+    const auto file = folder.Path() / "new.dmp";
+    const auto work = [] {
+        std::thread([] {
+            const CrashStack crashStack;
+            (void)FillTheStack(0);
+        }).join();
+    };
+    EXPECT_EQ(SignalAfter(file, work), SIGSEGV);
+    EXPECT_THAT(ReadAll(file), HasSubstr("Signal: 11 (SIGSEGV"));
+}
+
+TEST(CrashStack, LeavesItsThreadAsItFoundIt) {
+    stack_t before{};
+    stack_t inside{};
+    stack_t after{};
+    std::thread([&] {
+        (void)::sigaltstack(nullptr, &before);
+        {
+            const CrashStack crashStack;
+            (void)::sigaltstack(nullptr, &inside);
+        }
+        (void)::sigaltstack(nullptr, &after);
+    }).join();
+    EXPECT_NE(inside.ss_sp, before.ss_sp);
+    EXPECT_EQ(inside.ss_flags, 0);
+    EXPECT_EQ(after.ss_sp, before.ss_sp);
+    EXPECT_EQ(after.ss_flags, before.ss_flags);
+}
+
 TEST(CrashFile, IsWrittenForASignalThatSomebodySends) {
     const test::TempFolder folder;
     const auto file = folder.Path() / "new.dmp";
@@ -92,6 +139,23 @@ TEST(CrashFile, IsSilentlyNotWrittenWithoutItsFolder) {
     const test::TempFolder folder;
     EXPECT_EQ(SignalAfter(folder.Path() / "Tarsk/clipfix/new.dmp", ReadForbiddenMemory), SIGSEGV);
     EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
+TEST(CrashFile, SaysNothingWhereItCannotBeWritten) {
+    const test::TempFolder folder;
+    const auto file = folder.Path() / "new.dmp";
+    std::filesystem::create_directory(file);  // no permission stops the tests' user, a folder does
+    const auto said = folder.Path() / "said";
+    const auto work = [&] {
+        const int output = ::open(said.c_str(), O_WRONLY | O_CREAT, 0600);
+        (void)::dup2(output, STDERR_FILENO);
+        (void)::dup2(output, STDOUT_FILENO);
+        ReadForbiddenMemory();
+    };
+    EXPECT_EQ(SignalAfter(file, work), SIGSEGV);
+    EXPECT_TRUE(std::filesystem::is_empty(file));
+    EXPECT_TRUE(std::filesystem::exists(said));
+    EXPECT_EQ(ReadAll(said), "");
 }
 
 TEST(CrashFile, IsNotWrittenWithoutACrash) {

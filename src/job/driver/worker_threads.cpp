@@ -3,6 +3,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/crash_file.h"
+
 namespace clipfix {
 
 bool WorkerThreads::Start(std::function<void()> work) {
@@ -10,6 +12,7 @@ bool WorkerThreads::Start(std::function<void()> work) {
     Worker& worker = workers_.emplace_back();
     try {
         worker.thread = std::thread([&worker, work = std::move(work)] {
+            const platform::CrashStack crashStack;
             work();
             worker.hasEnded = true;
         });

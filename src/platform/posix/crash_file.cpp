@@ -22,12 +22,20 @@ constexpr std::size_t kStackBytes = std::size_t{64} << 10U;
 
 // All that the handler needs is made ahead of the crash: in the handler itself only calls that
 // are safe inside a signal may stand, so no allocation, no stream and no formatting of the library.
+using SignalStack = std::array<unsigned char, kStackBytes>;
 struct CrashSetUp {
     std::array<char, 4096> file{};
     std::array<char, 64> version{};
-    std::array<unsigned char, kStackBytes> stack{};  // a crash may be an overflow of the stack
+    SignalStack stack{};  // a crash may be an overflow of the stack
 };
 CrashSetUp g_crashSetUp;
+
+stack_t AsSignalStack(SignalStack& bytes) {
+    stack_t stack{};
+    stack.ss_sp = bytes.data();
+    stack.ss_size = bytes.size();
+    return stack;
+}
 
 template <std::size_t kSize>
 void CopyText(std::array<char, kSize>& to, std::string_view from) {
@@ -143,9 +151,7 @@ void InstallCrashHandler(const std::filesystem::path& file, std::string_view ver
     std::array<void*, 1> frame{};
     (void)::backtrace(frame.data(), static_cast<int>(frame.size()));
 
-    stack_t stack{};
-    stack.ss_sp = g_crashSetUp.stack.data();
-    stack.ss_size = g_crashSetUp.stack.size();
+    const stack_t stack = AsSignalStack(g_crashSetUp.stack);
     (void)::sigaltstack(&stack, nullptr);
 
     struct sigaction action {};
@@ -155,6 +161,20 @@ void InstallCrashHandler(const std::filesystem::path& file, std::string_view ver
     for (const int signal : kSignals) {
         (void)::sigaction(signal, &action, nullptr);
     }
+}
+
+struct CrashStack::Stacks {
+    SignalStack own{};
+    stack_t earlier{};
+};
+
+CrashStack::CrashStack() : stacks_(std::make_unique<Stacks>()) {
+    const stack_t own = AsSignalStack(stacks_->own);
+    (void)::sigaltstack(&own, &stacks_->earlier);
+}
+
+CrashStack::~CrashStack() {
+    (void)::sigaltstack(&stacks_->earlier, nullptr);
 }
 
 }  // namespace clipfix::platform

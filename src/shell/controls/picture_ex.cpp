@@ -4,6 +4,7 @@
 #include <QSvgRenderer>
 #include <utility>
 
+#include "platform/crash_file.h"
 #include "shell/interface_thread.h"
 #include "shell/skin/pictures.h"
 
@@ -76,6 +77,7 @@ void CPictureEx::MakeFrames() {
     stopMaking_ = false;
     maker_ = std::thread(
         [this, file = file_, pixels = (QSizeF(size()) * framesScale_).toSize(), making = making_] {
+            const platform::CrashStack crashStack;
             QSvgRenderer renderer(file);
             std::vector<QImage> frames;
             for (int i = 0; i < kFrames && !stopMaking_; ++i) {
