@@ -5,14 +5,13 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QTest>
 #include <cstdio>
 #include <functional>
 #include <vector>
 
 #include "gui/gui_support.h"
+#include "gui/page_walk.h"
 #include "gui/window_rig.h"
 #include "shell/about_dlg.h"
 #include "shell/controls/button_st.h"
@@ -191,48 +190,14 @@ class Screens {
         }
     }
 
-    // Every page of a job. The films need not be whole: what is drawn is the window.
     void DrawPages() {
         test::WindowRig rig(language_);
-        const QString avi = QStringLiteral(CLIPFIX_EXAMPLES_FOLDER "/damaged.avi");
-        const QString movie =
-            rig.work.filePath(QStringLiteral("A rather long name of a holiday film 2026.mp4"));
-        QFile noise(movie);
-        (void)noise.open(QIODevice::WriteOnly);
-        noise.write(QByteArray(1000, 'x'));
-        noise.close();
-        const auto page = [&](const char* name, const QStringList& standing) {
-            (void)rig.ComesTo(standing);
-            QTest::qWait(400);
-            Save(*rig.frame, QString::fromLatin1(name));
-        };
-        page("60-home", test::page::kHome);
-        rig.AddFile(movie);
-        page("61-chosen-mov", test::page::kChosenMov);
-        rig.Click(335);
-        page("62-need-reference", test::page::kNeedReference);
-        rig.ChooseReference(movie);
-        page("63-reference-chosen", test::page::kReferenceChosen);
-        rig.Click(347);
-        rig.AddFile(avi);
-        page("64-chosen-avi", test::page::kChosenAvi);
-        rig.engines.Hold();
-        rig.Click(335);
-        rig.state.g_nAviPercent = 42;
-        rig.frame->Container().Bar().SetPosition(42);
-        page("65-repairing", test::page::kRepairingAvi);
-        rig.Click(337);
-        page("66-paused", test::page::kRepairingAvi);
-        rig.Click(337);
-        rig.engines.LetGo();
-        page("67-finished", test::page::kFinished);
-        rig.desktop.filesToSave.push_back(rig.work.filePath("a.avi").toStdString());
-        rig.moveStands = true;
-        rig.Click(340);
-        page("68-saving", test::page::kSaving);
-        rig.AnswerNext(345);
-        rig.moveStands = false;
-        (void)rig.ComesTo(test::page::kHome);
+        const test::WalkedFilms films =
+            test::MakeWalkedFilms(rig, QStringLiteral("A rather long name of a holiday film 2026"));
+        test::WalkPages(rig, films, [&](const char* page) {
+            QTest::qWait(400);  // the animation's frames are made meanwhile
+            Save(*rig.frame, QString::fromLatin1(page));
+        });
         DrawMenusAndAbout(rig);
     }
 

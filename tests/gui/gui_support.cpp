@@ -33,6 +33,20 @@ QStringList LanguageNames() {
             QStringLiteral("Italian"), QStringLiteral("Portuguese"), QStringLiteral("Spanish")};
 }
 
+QStringList AllWords(const QString& language) {
+    QFile file(QStringLiteral(CLIPFIX_LANG_FOLDER "/") + language + QStringLiteral(".ini"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    }
+    QStringList words;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
+        if (line.startsWith(QStringLiteral("IDS_"))) {
+            words << line.section(QLatin1Char('='), 1).trimmed();
+        }
+    }
+    return words;
+}
+
 LanguageTexts::LanguageTexts(const QString& language)
     : texts_(PathsWithLanguage(folder_, CLIPFIX_LANG_FOLDER, language)) {
     texts_.ReadSettings({});

@@ -14,6 +14,9 @@ namespace clipfix::test {
 // The six languages by the stems of their files.
 [[nodiscard]] QStringList LanguageNames();
 
+// Every text of the shipped language file of `language`.
+[[nodiscard]] QStringList AllWords(const QString& language);
+
 // Texts that come from the shipped language file of `language`.
 class LanguageTexts {
   public:

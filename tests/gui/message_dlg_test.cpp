@@ -2,7 +2,6 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QFontMetrics>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -19,17 +18,6 @@ namespace {
 constexpr std::array kLinkForm{"IDS_UNHEALTHY_1", "IDS_MOVERROR1", "IDS_MOVERROR2",
                                "IDS_MOVERROR3",   "IDS_MOVERROR4", "IDS_AVIERROR1",
                                "IDS_AVIERROR2",   "IDS_AVIERROR3", "IDS_AVIERROR5"};
-// What the program shows in the message window: text, kind.
-struct Shown {
-    const char* key;
-    int kind;
-};
-constexpr std::array kShown{Shown{"IDS_CLOSE_DLG_MSG ", 1},  Shown{"IDS_CANCEL_DLG_MSG ", 2},
-                            Shown{"IDS_REPAIR_ABORTED", 3},  Shown{"IDS_SAVE_ABORTED", 3},
-                            Shown{"IDS_SAVE_COMPLETED", 3},  Shown{"IDS_REPAIR_PROCESSING", 4},
-                            Shown{"IDS_SAVE_PROCESSING", 4}, Shown{"IDS_UNHEALTHY_1", 4},
-                            Shown{"IDS_MOVERROR4", 4},       Shown{"IDS_ERROR9", 5}};
-
 class MessageDlgTest : public QObject {
     Q_OBJECT
 
@@ -269,35 +257,6 @@ class MessageDlgTest : public QObject {
         QCOMPARE(state_.g_nMessageKind.load(), 4);
         QCOMPARE(state_.g_bMessageYes.load(), 1);
         QVERIFY(dialog->findChild<CHyperLink*>()->Target().isEmpty());
-    }
-
-    void NoTextIsCutInAnyLanguageAndAllFitTheSettledSize() {
-        for (const QString& language : test::LanguageNames()) {
-            test::LanguageTexts texts(language);
-            for (const Shown& shown : kShown) {
-                state_.g_nMessageKind = shown.kind;
-                CMessageDlg dialog(
-                    state_, texts.Get(), texts.Word(shown.key),
-                    texts.Word(shown.kind < 3 ? "IDS_CONFIRMATION" : "IDS_INFORMATION"), {}, {},
-                    nullptr);
-                dialog.show();
-                const QByteArray where = language.toUtf8() + " " + shown.key;
-                QVERIFY2(dialog.size() == QSize(530, 270), where);
-                for (auto* text : dialog.findChildren<CXStatic*>()) {
-                    QVERIFY2(!text->text().isEmpty(), where);
-                    if (text->wordWrap()) {
-                        QVERIFY2(text->HeightOfText(text->width()) <= text->height(), where);
-                    } else {
-                        QVERIFY2(QFontMetrics(text->font()).horizontalAdvance(text->text()) <=
-                                     text->width(),
-                                 where);
-                    }
-                }
-                for (auto* button : dialog.findChildren<CXCmdBtn*>()) {
-                    QVERIFY2(button->sizeHint().width() <= button->width() + 20, where);
-                }
-            }
-        }
     }
 
     void ALongTextMakesTheWindowGrow() {

@@ -69,12 +69,16 @@ QSize CXCmdBtn::sizeHint() const {
     return {std::max(width, 121), std::max(35, textHeight_ + 15)};
 }
 
+QFont CXCmdBtn::LabelFont() const {
+    return skin::FontThatFits(QString::fromLatin1(skin::kEmphasisFace), textHeight_, text(),
+                              width() - 2 * kSidePadding, kSmallestText);
+}
+
 void CXCmdBtn::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     const int face = CurrentFace();
     skin::DrawFace(painter, rect(), face);
-    painter.setFont(skin::FontThatFits(QString::fromLatin1(skin::kEmphasisFace), textHeight_,
-                                       text(), width() - 2 * kSidePadding, kSmallestText));
+    painter.setFont(LabelFont());
     painter.setPen(skin::Colour(TextColourOnFace(face)));
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
     if (ShowsFocus()) {

@@ -19,6 +19,9 @@ class CXCmdBtn : public ControlButton {
     // Height of the label's line in logical pixels. A label that is too wide is made smaller.
     void SetTextHeight(int height);
 
+    // The font in which the label stands now.
+    [[nodiscard]] QFont LabelFont() const;
+
     [[nodiscard]] QSize sizeHint() const override;
 
   protected:
