@@ -23,6 +23,7 @@ namespace {
 
 constexpr int kBarButton = 26;
 constexpr int kBarGap = 6;
+constexpr int kGroupGap = 16;  // between the program's own buttons and those of every window
 constexpr int kBarMargin = 12;
 constexpr int kMarkSize = 22;
 
@@ -141,7 +142,8 @@ void CMainFrame::PlaceTitleBar() {
     const int top = (kTitleBarHeight - kBarButton) / 2;
     for (auto button = barButtons_.rbegin(); button != barButtons_.rend(); ++button) {
         (*button)->move(right - kBarButton, top);
-        right -= kBarButton + kBarGap;
+        const bool endsGroup = (*button)->Id() == kMinimiseButton;
+        right -= kBarButton + (endsGroup ? kGroupGap : kBarGap);
     }
 }
 

@@ -19,6 +19,7 @@
 #include "shell/window_front_end.h"
 #include "text/texts.h"
 
+class QAction;
 class QMenu;
 
 namespace clipfix {
@@ -116,6 +117,7 @@ class CMainFrame : public QWidget {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -129,7 +131,7 @@ class CMainFrame : public QWidget {
     void PopUpProgramMenu();
     void PopUpHelpMenu();
     void PopUpSocialMenu();
-    void AddCommand(QMenu& menu, const QString& label, int id);
+    QAction* AddCommand(QMenu& menu, const QString& label, int id);
     void OnLanguage(int id);
     [[nodiscard]] std::string LanguageInUse() const;
     void OnUpdate();

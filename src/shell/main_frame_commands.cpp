@@ -15,6 +15,7 @@
 #include "shell/help_pages.h"
 #include "shell/main_frame.h"
 #include "shell/sibling_programs.h"
+#include "shell/skin/menu_look.h"
 #include "shell/skin/pictures.h"
 #include "text/help_page.h"
 #include "text/profile_file.h"
@@ -132,20 +133,25 @@ void CMainFrame::OnUpdate() {
                                     {QStringLiteral("/NoUpdateSelf")}, settings_.programFolder));
 }
 
-void CMainFrame::AddCommand(QMenu& menu, const QString& label, int id) {
+QAction* CMainFrame::AddCommand(QMenu& menu, const QString& label, int id) {
     QAction* action = menu.addAction(label);
     action->setObjectName(QString::number(id));
     connect(action, &QAction::triggered, this, [this, id] { OnCommand(id); });
+    return action;
 }
 
 // The menu of the languages offers those that have a command and whose file is here.
 void CMainFrame::PopUpProgramMenu() {
     QMenu menu(this);
+    skin::ApplyMenuLook(menu);
     QMenu* languages = menu.addMenu(WordOf(*texts_, "IDS_MENU_LANGUAGE"));
     const auto folder = texts_->LanguageFile().parent_path();
     for (const LanguageEntry& language : kLanguages) {
         if (ProfileFileOpens(folder / (std::string(language.name) + ".ini"))) {
-            AddCommand(*languages, QString::fromUtf8(language.label), language.id);
+            QAction* action =
+                AddCommand(*languages, QString::fromUtf8(language.label), language.id);
+            action->setCheckable(true);
+            action->setChecked(LanguageInUse() == language.name);
         }
     }
     AddCommand(menu, WordOf(*texts_, "IDS_MENU_UPDATE"), kUpdate);
@@ -155,6 +161,7 @@ void CMainFrame::PopUpProgramMenu() {
 
 void CMainFrame::PopUpHelpMenu() {
     QMenu menu(this);
+    skin::ApplyMenuLook(menu);
     AddCommand(menu, WordOf(*texts_, "IDS_HELP"), kHelp);
     AddCommand(menu, WordOf(*texts_, "IDS_SUPPORT"), kSupport);
     AddCommand(menu, WordOf(*texts_, "IDS_MENU_ABOUT"), kAbout);
@@ -164,6 +171,7 @@ void CMainFrame::PopUpHelpMenu() {
 
 void CMainFrame::PopUpSocialMenu() {
     QMenu menu(this);
+    skin::ApplyMenuLook(menu);
     AddCommand(menu, QStringLiteral("Google+"), kFirstPage);
     AddCommand(menu, QStringLiteral("Twitter"), kSecondPage);
     AddCommand(menu, QStringLiteral("Facebook"), kThirdPage);
@@ -238,12 +246,18 @@ QString DraggedFile(const QMimeData& data) {
 
 void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
     if (TargetOf(DraggedFile(*event->mimeData())) != DropTarget::None) {
+        container_->ShowDropTarget(true);
         event->setDropAction(Qt::CopyAction);
         event->accept();
     }
 }
 
+void CMainFrame::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
+    container_->ShowDropTarget(false);
+}
+
 void CMainFrame::dropEvent(QDropEvent* event) {
+    container_->ShowDropTarget(false);
     const QString file = DraggedFile(*event->mimeData());
     const std::string path = QFile::encodeName(file).toStdString();
     switch (TargetOf(file)) {

@@ -151,8 +151,9 @@ void CMessageDlg::MakeButtons() {
         firstFocus_ = MakeButton(kYes, "IDS_YES", layout_.leftButton, false);
         (void)MakeButton(kNo, "IDS_NO", layout_.rightButton, true);
     } else if (link_ != nullptr) {
-        firstFocus_ = MakeButton(kOk, "IDS_CANCEL", layout_.leftButton, true);
-        (void)MakeButton(kShare, "IDS_SHARE", layout_.rightButton, false);
+        // The filled face stands for the way on, which is Cancel here.
+        firstFocus_ = MakeButton(kOk, "IDS_CANCEL", layout_.leftButton, false);
+        (void)MakeButton(kShare, "IDS_SHARE", layout_.rightButton, true);
         MakeButton(kOk, "IDS_OK", layout_.rightButton, false)->hide();
     } else {
         firstFocus_ = MakeButton(kOk, "IDS_OK", layout_.rightButton, false);

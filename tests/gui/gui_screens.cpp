@@ -5,6 +5,9 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFileDialog>
+#include <QMenu>
+#include <QMessageBox>
 #include <QTest>
 #include <cstdio>
 #include <functional>
@@ -198,22 +201,45 @@ class Screens {
             QTest::qWait(400);  // the animation's frames are made meanwhile
             Save(*rig.frame, QString::fromLatin1(page));
         });
+        rig.frame->Container().ShowDropTarget(true);
+        Save(*rig.frame, QStringLiteral("69-drop"));
+        rig.frame->Container().ShowDropTarget(false);
         DrawMenusAndAbout(rig);
     }
 
     void DrawMenusAndAbout(test::WindowRig& rig) {
         for (const int button : {CMainFrame::kProgramMenuButton, CMainFrame::kHelpMenuButton}) {
             QTimer::singleShot(200, &rig, [&] {
-                auto* menu = QApplication::activePopupWidget();
+                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
                 Save(*menu, QStringLiteral("7%1-menu").arg(button));
+                if (QMenu* languages = menu->actions().constFirst()->menu()) {
+                    languages->setActiveAction(languages->actions().constLast());
+                    Save(*languages, QStringLiteral("7%1-languages").arg(button));
+                }
                 menu->close();
             });
             rig.frame->OnCommand(button);
         }
+        DrawToolkitWindows(rig);
         CAboutDlg about(texts_.Get(), rig.frame.get());
         about.show();
         QTest::qWait(100);
         Save(about, QStringLiteral("79-about"));
+    }
+
+    // The toolkit's own windows, as a desktop without windows of that kind shows them.
+    void DrawToolkitWindows(test::WindowRig& rig) {
+        QFileDialog files(rig.frame.get(), texts_.Word("IDS_SELECT_VIDEO"), rig.work.path(),
+                          ToolkitFilter(QString::fromLatin1(kVideoFilter)));
+        files.setOption(QFileDialog::DontUseNativeDialog);
+        files.show();
+        QTest::qWait(300);
+        Save(files, QStringLiteral("77-file-dialog"));
+        QMessageBox box(QMessageBox::Critical, texts_.Word("IDS_RUNNING3"), FailedStartText(2),
+                        QMessageBox::Ok, rig.frame.get());
+        box.show();
+        QTest::qWait(100);
+        Save(box, QStringLiteral("78-box"));
     }
 
     void Save(QWidget& widget, const QString& name) {

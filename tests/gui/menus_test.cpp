@@ -149,6 +149,16 @@ class MenusTest : public QObject {
         Look(rig, 325, [](QMenu& menu) {
             QCOMPARE(menu.actions().constFirst()->text(), QStringLiteral("Guida"));
         });
+        // The one in use bears the check mark.
+        Look(rig, 327, [](QMenu& menu) {
+            QStringList checked;
+            for (const QAction* entry : menu.actions().constFirst()->menu()->actions()) {
+                if (entry->isChecked()) {
+                    checked << entry->text();
+                }
+            }
+            QCOMPARE(checked, QStringList(QStringLiteral("Italiano")));
+        });
     }
 };
 

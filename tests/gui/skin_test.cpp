@@ -17,6 +17,26 @@ namespace {
 class SkinTest : public QObject {
     Q_OBJECT
 
+    // The middle row of a face is of one colour from one side edge to the other.
+    static bool HasNoSeam(int id, int left, qreal scale) {
+        QPixmap ground((QSizeF(160, 60) * scale).toSize());
+        ground.setDevicePixelRatio(scale);
+        ground.fill(Qt::white);
+        QPainter painter(&ground);
+        painter.translate(left, 7);
+        skin::DrawFace(painter, QRectF(0, 0, 121, 35), id);
+        painter.end();
+        const QImage image = ground.toImage();
+        const int row = static_cast<int>(24 * scale);
+        const QColor colour = image.pixelColor(static_cast<int>((left + 60) * scale), row);
+        for (auto x = static_cast<int>((left + 3) * scale); x < (left + 118) * scale; ++x) {
+            if (image.pixelColor(x, row) != colour) {
+                return false;
+            }
+        }
+        return colour != QColor(Qt::white) || id == skin::kQuietNormal;
+    }
+
   private Q_SLOTS:
     void ColourValuesHaveRedInTheLowByte() {
         QCOMPARE(skin::Colour(skin::kText), QColor(0x4B, 0x4B, 0x4B));
@@ -35,7 +55,7 @@ class SkinTest : public QObject {
         for (int id = 900; id <= 905; ++id) {
             ids << id;
         }
-        for (int id = 400; id <= 417; ++id) {
+        for (int id = 400; id <= 418; ++id) {
             ids << id;
         }
         for (const int id : ids) {
@@ -70,6 +90,19 @@ class SkinTest : public QObject {
         QCOMPARE(image.pixelColor(20, 10), QColor(0x0C, 0x6F, 0xAD));
         for (int x = 8; x < 192; ++x) {
             QCOMPARE(image.pixelColor(x, 30).alpha(), 255);
+        }
+    }
+
+    // Wherever a button stands: at a broken scale its edges fall between two device pixels.
+    void AFaceHasNoSeamAtAnyScale() {
+        for (const qreal scale : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+            for (int id = 900; id <= 905; ++id) {
+                for (int left = 0; left < 16; ++left) {
+                    QVERIFY2(
+                        HasNoSeam(id, left, scale),
+                        qPrintable(QStringLiteral("%1 at %2, %3").arg(id).arg(left).arg(scale)));
+                }
+            }
         }
     }
 

@@ -12,7 +12,7 @@ constexpr qreal kDisabledOpacity = 0.35;
 
 // Lays a thin shadow over what the picture covers.
 void Darken(QPixmap& picture) {
-    constexpr int kShadow = 56;  // of 255
+    constexpr int kShadow = 32;  // of 255
     QPainter painter(&picture);
     painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
     painter.fillRect(picture.rect(), QColor(0, 0, 0, kShadow));

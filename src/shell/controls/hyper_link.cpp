@@ -33,6 +33,12 @@ void CHyperLink::SetBackground(skin::ColourValue colour) {
     update();
 }
 
+void CHyperLink::SetPadding(int padding) {
+    padding_ = padding;
+    updateGeometry();
+    update();
+}
+
 void CHyperLink::SetHeight(int height) {
     height_ = height;
     UpdateFont();
@@ -52,7 +58,7 @@ skin::ColourValue CHyperLink::CurrentColour() const {
 
 QSize CHyperLink::sizeHint() const {
     const QFontMetrics metrics(font());
-    return {metrics.horizontalAdvance(text()) + 1, metrics.height()};
+    return {metrics.horizontalAdvance(text()) + 1 + 2 * padding_, metrics.height()};
 }
 
 void CHyperLink::UpdateFont() {
@@ -73,10 +79,12 @@ void CHyperLink::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), skin::Colour(background_));
     painter.setPen(skin::Colour(CurrentColour()));
-    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text());
+    painter.drawText(rect().adjusted(padding_, 0, -padding_, 0),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text());
     if (focusShown_ && hasFocus()) {
-        painter.setPen(QPen(skin::Colour(skin::kFocus), 1));
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(skin::Colour(skin::kFocus), 1.5));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 3, 3);
     }
 }
 

@@ -19,6 +19,8 @@ class CHyperLink : public QAbstractButton {
     void SetColours(skin::ColourValue link, skin::ColourValue hover, skin::ColourValue visited);
     void SetBackground(skin::ColourValue colour);
     void SetHeight(int height);
+    // Logical pixels between the text and the left and right edges, where the focus is drawn.
+    void SetPadding(int padding);
     void SetFace(const QString& face);
     // Empty, as at first: the link leads nowhere by itself.
     void SetTarget(const QUrl& target) { target_ = target; }
@@ -42,6 +44,7 @@ class CHyperLink : public QAbstractButton {
 
     int id_;
     int height_ = 20;
+    int padding_ = 0;
     QString face_;
     QUrl target_;
     skin::ColourValue link_ = skin::kLink;

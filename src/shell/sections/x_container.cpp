@@ -16,11 +16,13 @@ namespace {
 constexpr int kChoiceButtonHeight = 56;
 constexpr int kLeastChoiceWidth = 260;
 constexpr int kChoiceTextHeight = 24;
-constexpr int kLinkGap = 26;
-constexpr int kChoiceShift = 24;  // the buttons stand a little below the middle
-constexpr int kMarkSide = 80;
-constexpr int kMarkGap = 30;  // between the mark and the button
-constexpr qreal kMarkOpacity = 0.25;
+constexpr int kLinkGap = 20;
+constexpr int kLinkPadding = 6;
+constexpr int kMarkSide = 96;
+constexpr int kMarkGap = 22;  // between the mark and the button
+constexpr int kDropWidth = 640;
+constexpr int kDropMargin = 26;  // above and below the place of the drop
+constexpr qreal kDropCorner = 14;
 
 constexpr int kAnimationSide = 120;
 constexpr int kBarWidth = 600;
@@ -34,7 +36,7 @@ constexpr int kPlaySide = 128;
 constexpr int kDetailsGap = 64;  // between the play picture and the grid
 constexpr int kDetailLine = 38;
 constexpr int kCaptionGap = 12;
-constexpr int kLeastValueWidth = 330;
+constexpr int kLeastValueWidth = 160;
 
 }  // namespace
 
@@ -57,6 +59,8 @@ void CXContainer::MakeChoice() {
     chooseReference_ = MakeChild<CXCmdBtn>(kChooseReference, this);
     chooseReference_->setText(WordOf(parts_->texts, "IDS_CHOOSE_REFERENCE_MOV_FILE"));
     link_ = MakeChild<CHyperLink>(kWhyHealthy, this);
+    link_->SetColours(skin::kLink, skin::kLinkHover, skin::kLink);
+    link_->SetPadding(kLinkPadding);
     link_->setText(WordOf(parts_->texts, "IDS_WHY_HEALTHY"));
     for (CXCmdBtn* button : {addFile_, chooseReference_}) {
         button->SetTextHeight(kChoiceTextHeight);
@@ -123,6 +127,9 @@ void CXContainer::SetControlVisible(JobControlId control, bool visible) {
     }
     Section::SetControlVisible(control, visible);
     update();
+    if (control == JobControlId::ChooseReference && !visible) {
+        SetReferenceIsNextStep(true);
+    }
     // The animation is a part of the progress view and goes with its bar.
     if (control == JobControlId::ProgressBar && !visible && busy_ != nullptr) {
         busy_->hide();
@@ -135,15 +142,17 @@ void CXContainer::Arrange() {
     ArrangeDetails();
 }
 
+// The mark, the button and the link, as many of them as stand there, in the middle.
 void CXContainer::ArrangeChoice() {
     const int middle = width() / 2;
+    const QSize link = link_->sizeHint();
+    const int belowButton = link_->isHidden() ? 0 : kLinkGap + link.height();
+    const int all = kMarkSide + kMarkGap + kChoiceButtonHeight + belowButton;
+    const int top = (height() - all) / 2 + kMarkSide + kMarkGap;
     for (CXCmdBtn* button : {addFile_, chooseReference_}) {
         const int buttonWidth = std::max(kLeastChoiceWidth, button->sizeHint().width() + 40);
-        button->setGeometry(middle - buttonWidth / 2,
-                            (height() - kChoiceButtonHeight) / 2 + kChoiceShift, buttonWidth,
-                            kChoiceButtonHeight);
+        button->setGeometry(middle - buttonWidth / 2, top, buttonWidth, kChoiceButtonHeight);
     }
-    const QSize link = link_->sizeHint();
     link_->setGeometry(QRect(
         QPoint(middle - link.width() / 2, chooseReference_->geometry().bottom() + kLinkGap), link));
 }
@@ -201,19 +210,49 @@ void CXContainer::ArrangeDetails() {
     }
 }
 
-// On the pages of the choice the program's mark stands above the button, or alone.
+// A page has one filled button: once a reference is there, that is Repair.
+void CXContainer::SetReferenceIsNextStep(bool next) {
+    if (next) {
+        chooseReference_->SetFaces(skin::kCommandNormal, skin::kCommandHover, skin::kCommandPressed,
+                                   skin::kCommandDisabled);
+    } else {
+        chooseReference_->SetFaces(skin::kQuietNormal, skin::kQuietHover, skin::kCommandPressed,
+                                   skin::kCommandDisabled);
+    }
+}
+
+void CXContainer::ShowDropTarget(bool shown) {
+    dropTargetShown_ = shown;
+    update();
+}
+
+// On the pages of the choice a picture stands above the button, or alone. Around it the place is
+// marked on which a file may be dropped.
 void CXContainer::paintEvent(QPaintEvent* /*event*/) {
     if (!bar_->isHidden() || !grid_->isHidden()) {
         return;
     }
+    QPainter painter(this);
     const bool withButton = !addFile_->isHidden() || !chooseReference_->isHidden();
+    if (withButton || dropTargetShown_) {
+        DrawDropTarget(painter);
+    }
     const int top =
         withButton ? addFile_->geometry().top() - kMarkGap - kMarkSide : (height() - kMarkSide) / 2;
-    QPainter painter(this);
-    painter.setOpacity(kMarkOpacity);
-    painter.drawPixmap(
-        (width() - kMarkSide) / 2, top,
-        skin::Picture(skin::kMark, QSize(kMarkSide, kMarkSide), devicePixelRatioF()));
+    const int picture = chooseReference_->isHidden() ? skin::kMark : skin::kHealthyFilm;
+    painter.drawPixmap((width() - kMarkSide) / 2, top,
+                       skin::Picture(picture, QSize(kMarkSide, kMarkSide), devicePixelRatioF()));
+}
+
+void CXContainer::DrawDropTarget(QPainter& painter) const {
+    const QRectF place(width() / 2.0 - kDropWidth / 2.0, kDropMargin, kDropWidth,
+                       height() - 2 * kDropMargin);
+    QPen edge(skin::Colour(dropTargetShown_ ? skin::kDropEdgeActive : skin::kDropEdge), 1.5);
+    edge.setDashPattern({5, 4});
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(edge);
+    painter.setBrush(skin::Colour(dropTargetShown_ ? skin::kDropFillActive : skin::kDropFill));
+    painter.drawRoundedRect(place, kDropCorner, kDropCorner);
 }
 
 }  // namespace clipfix

@@ -59,6 +59,10 @@ class CXContainer : public Section {
     void StopBusyAnimation();
     [[nodiscard]] CXProgressBar& Bar() { return *bar_; }
 
+    // While a file is dragged over the window that it would take.
+    void ShowDropTarget(bool shown);
+    [[nodiscard]] bool ShowsDropTarget() const { return dropTargetShown_; }
+
     void SetControlVisible(JobControlId control, bool visible) override;
 
   protected:
@@ -73,6 +77,8 @@ class CXContainer : public Section {
     void ArrangeChoice();
     void ArrangeProgress();
     void ArrangeDetails();
+    void SetReferenceIsNextStep(bool next);
+    void DrawDropTarget(QPainter& painter) const;
     [[nodiscard]] QWidget* Animation() const;
 
     const WindowParts* parts_;
@@ -88,6 +94,7 @@ class CXContainer : public Section {
     CButtonST* play_ = nullptr;
     CPictureEx* busyRepair_ = nullptr;  // each made on first use
     CPictureEx* busySave_ = nullptr;
+    bool dropTargetShown_ = false;
     QTimer playerStarts_;  // until the player may be sent its file
     std::string fileForPlayer_;
     CPictureEx* busy_ = nullptr;  // the one that was started last

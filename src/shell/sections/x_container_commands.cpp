@@ -74,6 +74,7 @@ void CXContainer::TakeReference(const std::string& path) {
     } else {
         face.SetText(ReferenceText, state.g_strReferenceLabel, {});
     }
+    SetReferenceIsNextStep(path.empty());
     face.SetVisible(ReferenceText, true);
     face.SetEnabled(Repair, !path.empty());
     face.SetVisible(Repair, true);

@@ -25,6 +25,11 @@ inline constexpr ColourValue kFocus = 0xEF8700;
 inline constexpr ColourValue kFaceText = 0xFFFFFF;
 inline constexpr ColourValue kQuietText = 0x6B6B6B;
 inline constexpr ColourValue kDisabledText = 0x8A827A;
+inline constexpr ColourValue kLinkHover = 0x7F5209;
+inline constexpr ColourValue kDropEdge = 0xDCD2C8;
+inline constexpr ColourValue kDropFill = 0xFEFCFA;
+inline constexpr ColourValue kDropEdgeActive = 0xEF8700;
+inline constexpr ColourValue kDropFillActive = 0xFBF4EA;
 inline constexpr ColourValue kSeparator = 0xDCDCDC;
 
 [[nodiscard]] inline QColor Colour(ColourValue value) {

@@ -4,7 +4,10 @@
 #include <QPainter>
 #include <QPixmapCache>
 #include <QSvgRenderer>
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <functional>
 #include <string_view>
 
 #include "shell/skin/palette.h"
@@ -48,6 +51,7 @@ constexpr std::array kPictures{
     PictureRow{kPlay + 1, "play_hover"},
     PictureRow{kMark, "mark"},
     PictureRow{kMark + 1, "mark"},
+    PictureRow{kHealthyFilm, "healthy"},
     PictureRow{kQuestionPicture, "question"},
     PictureRow{kInformationPicture, "information"},
     PictureRow{kBusyRepair, "busy_repair"},
@@ -57,6 +61,41 @@ constexpr std::array kPictures{
 // A face is drawn in a square of this many logical pixels and cut in nine.
 constexpr int kFaceSize = 40;
 constexpr qreal kFaceEdge = 10;
+
+QRect Between(int left, int top, int right, int bottom) {
+    return {left, top, right - left, bottom - top};
+}
+
+// The vector picture drawn into so many device pixels. The file must exist.
+QImage Render(int id, QSize pixels) {
+    QSvgRenderer renderer(PictureFile(id));
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    renderer.render(&painter, QRectF(QPointF(), QSizeF(pixels)));
+    return image;
+}
+
+// What `make` makes for `size` logical pixels, once for each size and scale. Null for an unknown
+// number and for a size of nothing.
+QPixmap Cached(int id, const QString& kind, QSize size, qreal scale,
+               const std::function<QImage(QSize pixels)>& make) {
+    const QString key = QStringLiteral("clipfix/%1/%2/%3x%4@%5")
+                            .arg(kind)
+                            .arg(id)
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(scale);
+    QPixmap made;
+    const QSize pixels = (QSizeF(size) * scale).toSize();
+    if (QPixmapCache::find(key, &made) || PictureFile(id).isEmpty() || pixels.isEmpty()) {
+        return made;
+    }
+    made = QPixmap::fromImage(make(pixels));
+    made.setDevicePixelRatio(scale);
+    QPixmapCache::insert(key, made);
+    return made;
+}
 
 }  // namespace
 
@@ -75,55 +114,36 @@ QString PictureFile(int id) {
 }
 
 QPixmap Picture(int id, QSize size, qreal scale) {
-    const QString key = QStringLiteral("clipfix/%1/%2x%3@%4")
-                            .arg(id)
-                            .arg(size.width())
-                            .arg(size.height())
-                            .arg(scale);
-    QPixmap drawn;
-    if (QPixmapCache::find(key, &drawn)) {
-        return drawn;
-    }
-    const QString file = PictureFile(id);
-    const QSize pixels = (QSizeF(size) * scale).toSize();
-    if (file.isEmpty() || pixels.isEmpty()) {
-        return {};
-    }
-    QSvgRenderer renderer(file);
-    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    renderer.render(&painter, QRectF(QPointF(), QSizeF(pixels)));
-    painter.end();
-    drawn = QPixmap::fromImage(image);
-    drawn.setDevicePixelRatio(scale);
-    QPixmapCache::insert(key, drawn);
-    return drawn;
+    return Cached(id, QStringLiteral("picture"), size, scale,
+                  [id](QSize pixels) { return Render(id, pixels); });
 }
 
+// The corners keep their size, edges and middle stretch. Cuts are whole device pixels on both
+// sides, so that no seam shows at any scale.
 void DrawFace(QPainter& painter, const QRectF& target, int id) {
     const qreal scale = painter.device()->devicePixelRatioF();
-    const QPixmap face = Picture(id, QSize(kFaceSize, kFaceSize), scale);
-    if (face.isNull()) {
-        return;
-    }
-    const qreal edge = std::min({kFaceEdge, target.width() / 2, target.height() / 2});
-    // Cuts along one side: in the target in logical pixels, in the picture in device pixels.
-    const std::array<qreal, 4> toX{target.left(), target.left() + edge, target.right() - edge,
-                                   target.right()};
-    const std::array<qreal, 4> toY{target.top(), target.top() + edge, target.bottom() - edge,
-                                   target.bottom()};
-    const qreal side = kFaceSize * scale;
-    const std::array<qreal, 4> from{0, kFaceEdge * scale, side - kFaceEdge * scale, side};
-    for (std::size_t row = 0; row < 3; ++row) {
-        for (std::size_t column = 0; column < 3; ++column) {
-            const QRectF piece(QPointF(toX[column], toY[row]),
-                               QPointF(toX[column + 1], toY[row + 1]));
-            const QRectF source(QPointF(from[column], from[row]),
-                                QPointF(from[column + 1], from[row + 1]));
-            painter.drawPixmap(piece, face, source);
+    const auto make = [id, scale](QSize pixels) {
+        const int side = static_cast<int>(std::lround(kFaceSize * scale));
+        const QImage face = Render(id, QSize(side, side));
+        const int edge = std::min({static_cast<int>(std::ceil(kFaceEdge * scale)), side / 2,
+                                   pixels.width() / 2, pixels.height() / 2});
+        const std::array<int, 4> from{0, edge, side - edge, side};
+        const std::array<int, 4> toX{0, edge, pixels.width() - edge, pixels.width()};
+        const std::array<int, 4> toY{0, edge, pixels.height() - edge, pixels.height()};
+        QImage stretched(pixels, QImage::Format_ARGB32_Premultiplied);
+        stretched.fill(Qt::transparent);
+        QPainter pieces(&stretched);
+        for (std::size_t row = 0; row < 3; ++row) {
+            for (std::size_t column = 0; column < 3; ++column) {
+                pieces.drawImage(Between(toX[column], toY[row], toX[column + 1], toY[row + 1]),
+                                 face,
+                                 Between(from[column], from[row], from[column + 1], from[row + 1]));
+            }
         }
-    }
+        return stretched;
+    };
+    painter.drawPixmap(target.topLeft(),
+                       Cached(id, QStringLiteral("face"), target.size().toSize(), scale, make));
 }
 
 void DrawFocusMark(QPainter& painter, const QRectF& target, qreal radius) {

@@ -27,6 +27,8 @@ inline constexpr int kHome = 412;
 inline constexpr int kPlay = 414;
 inline constexpr int kMark = 416;  // the program's own mark; it has one look
 
+inline constexpr int kHealthyFilm = 418;  // what the page of the reference asks for
+
 inline constexpr int kQuestionPicture = 22916;
 inline constexpr int kInformationPicture = 22926;
 inline constexpr int kBusyRepair = 22906;
