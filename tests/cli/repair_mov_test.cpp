@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "cli/camera_movie.h"
 #include "cli/cli_run.h"
 #include "support/avi_builder.h"
 #include "support/media_tools.h"
@@ -13,28 +14,6 @@ namespace {
 
 using nlohmann::json;
 using namespace std::chrono_literals;
-
-constexpr const char* kSources =
-    "-f lavfi -i testsrc2=size=160x120:rate=25:duration=3 "
-    "-f lavfi -i sine=frequency=440:duration=3 -ac 2 ";
-constexpr const char* kCamera = "-c:v libx264 -bf 0 -g 25 -c:a aac -chunk_duration 500000";
-
-ByteVector Movie(const std::string& shape) {
-    const TempFolder folder;
-    MakeMedia(folder / "m.mp4", kSources + shape);
-    return ReadFile(folder / "m.mp4");
-}
-
-const ByteVector& CameraMovie() {
-    static const ByteVector kMovie = Movie(kCamera);
-    return kMovie;
-}
-
-// What is left of a recording whose camera lost power before it wrote the index.
-ByteVector WithoutMoov(ByteVector movie) {
-    movie.resize(FindText(movie, "moov") - 4);
-    return movie;
-}
 
 TEST(RepairCommandOnMovies, TakesAFileWithAReadableStructureAsItsOwnReference) {
     const TempFolder folder;
@@ -79,73 +58,6 @@ TEST(RepairCommandOnMovies, RepairsWithAReferenceSoThatEveryPictureIsThere) {
     };
     EXPECT_EQ(pictures(packets), pictures(original));
     EXPECT_EQ(pictures(packets).size(), 75U);
-}
-
-TEST(RepairCommandOnMovies, SaysWhyAReferenceCannotServe) {
-    const TempFolder folder;
-    const DamagedFile damaged(folder / "clip.mp4", WithoutMoov(CameraMovie()));
-    WriteFile(folder / "noise.mp4", ByteVector(5000, 0x55));
-    WriteFile(folder / "mpeg4.mp4", Movie("-c:v mpeg4 -c:a aac"));
-    WriteFile(folder / "sound.mp4", Movie(std::string("-map 1 -map 0 ") + kCamera));
-    for (const auto& [name, words] : std::vector<std::pair<std::string, std::string>>{
-             {"noise.mp4", "no movie"}, {"mpeg4.mp4", "neither"}, {"sound.mp4", "first track"}}) {
-        ExpectRefusal(folder, {"repair", damaged.Path(), "-r", (folder / name).string()}, 4, words);
-        ExpectRefusal(folder, {"scan", damaged.Path(), "-r", (folder / name).string()}, 4, words);
-    }
-    ExpectRefusal(folder, {"repair", damaged.Path(), "-r", (folder / "no.mp4").string()}, 5,
-                  "No such file");
-}
-
-TEST(RepairCommandOnMovies, SaysSoWhereAReferenceOfAnotherKindFindsNothing) {
-    const TempFolder folder;
-    const DamagedFile damaged(folder / "clip.mp4", WithoutMoov(CameraMovie()));
-    WriteFile(folder / "hevc.mp4",
-              Movie("-c:v libx265 -x265-params log-level=none -tag:v hvc1 -an"));
-    ExpectRefusal(folder, {"repair", damaged.Path(), "-r", (folder / "hevc.mp4").string()}, 1,
-                  "with this reference");
-}
-
-TEST(RepairCommandOnMovies, NeverWritesToTheReference) {
-    const TempFolder folder;
-    const DamagedFile damaged(folder / "clip.mp4", WithoutMoov(CameraMovie()));
-    const DamagedFile reference(folder / "good.mov", CameraMovie());
-    ExpectRefusal(folder,
-                  {"repair", damaged.Path(), "-r", reference.Path(), "-f", "-o", reference.Path()},
-                  2, "the output is the reference");
-}
-
-TEST(RepairCommandOnMovies, ReportsADiskThatFillsUp) {
-    const SmallFileSystem disk(std::uint64_t{104} << 20U);
-    if (!disk.IsMounted()) {
-        GTEST_SKIP() << "a file system can only be mounted by root";
-    }
-    const TempFolder folder;
-    // The space test looks at the small reference; the damaged file is far larger than the disk.
-    ByteVector big = WithoutMoov(CameraMovie());
-    const ByteVector once = big;
-    while (big.size() < (std::size_t{115} << 20U)) {
-        AppendBytes(big, once);
-    }
-    const DamagedFile damaged(folder / "clip.mp4", std::move(big));
-    const DamagedFile reference(folder / "good.mp4", CameraMovie());
-    const auto run = Clipfix(
-        {"repair", damaged.Path(), "-r", reference.Path(), "-o", (disk / "out.mov").string()});
-    EXPECT_EQ(run.status, 5) << run.err << run.out;
-    EXPECT_NE(run.err.find("could not be written"), std::string::npos) << run.err;
-    EXPECT_TRUE(Names(disk.Path()).empty());
-}
-
-TEST(RepairCommandOnMovies, LeavesNothingBehindAfterAnInterrupt) {
-    const TempFolder folder;
-    WriteFile(folder / "clip.mp4", WithoutMoov(CameraMovie()));
-    std::filesystem::resize_file(folder / "clip.mp4", std::uintmax_t{1} << 33U);
-    const DamagedFile reference(folder / "good.mp4", CameraMovie());
-    const auto start = std::chrono::steady_clock::now();
-    const auto run = Clipfix({"repair", (folder / "clip.mp4").string(), "-r", reference.Path()},
-                             {.signal = std::pair(SIGINT, 200ms)});
-    EXPECT_EQ(run.status, 130) << run.err;
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
-    EXPECT_EQ(Names(folder.Path()), (std::set<std::string>{"clip.mp4", "good.mp4"}));
 }
 
 TEST(CheckCommand, TellsWhatIsInAFile) {
