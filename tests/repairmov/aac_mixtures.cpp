@@ -84,7 +84,7 @@ ByteVector WithReplication(ByteView frame, Random& random) {
     // The last bit that is set is the last one of the element that ends the frame.
     std::size_t end = frame.size() * 8;
     const auto bitAt = [frame](std::size_t at) -> unsigned {
-        return (frame[at / 8] >> (7U - at % 8)) & 1U;
+        return (unsigned{frame[at / 8]} >> (7U - at % 8)) & 1U;
     };
     while (end > 0 && bitAt(end - 1) == 0) {
         --end;
