@@ -30,7 +30,7 @@ if(CLIPFIX_SANITIZE)
 endif()
 
 # The libraries under a fuzz target tell the fuzzer which of their branches an input has reached.
-if(CLIPFIX_FUZZ)
+if(CLIPFIX_FUZZ_GUIDED)
   target_compile_options(clipfix_common INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 

@@ -8,6 +8,9 @@
 
 namespace clipfix {
 
+// Where the children of a plain container begin: behind its size and its code.
+inline constexpr std::size_t kChildrenAt = 8;
+
 // The bytes of one atom from its `size` field on, as its parent hands them over.
 //
 // `length` is what the parent claims, in bytes. A child that is taken by its position alone may

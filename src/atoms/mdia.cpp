@@ -7,11 +7,7 @@
 
 namespace clipfix {
 
-namespace {
-
-constexpr std::size_t kChildrenAt = 8;
-
-}  // namespace
+namespace {}  // namespace
 
 double SamplesPerSecond(std::uint32_t timescale, std::uint32_t duration,
                         std::uint32_t sampleCount) {

@@ -8,8 +8,6 @@ namespace clipfix {
 
 namespace {
 
-constexpr std::size_t kChildrenAt = 8;
-
 struct HeaderBytes {
     ByteView operator()(const std::monostate& /*none*/) const { return {}; }
     ByteView operator()(const CVmhd& header) const { return header.data; }

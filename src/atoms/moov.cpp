@@ -11,11 +11,7 @@
 
 namespace clipfix {
 
-namespace {
-
-constexpr std::size_t kChildrenAt = 8;
-
-}  // namespace
+namespace {}  // namespace
 
 CMoov::CMoov(ByteView block, MovieRead& read) {
     // The one place of a read where failure is swallowed: memory may run out, and the tree then

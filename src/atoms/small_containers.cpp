@@ -8,7 +8,7 @@ namespace clipfix {
 namespace {
 
 constexpr std::size_t kChildAt = 8;
-constexpr std::size_t kTableAt = 16;
+constexpr std::size_t kEntriesAt = 16;
 
 }  // namespace
 
@@ -18,7 +18,7 @@ CDrefentry::CDrefentry(const AtomBlock& block) {
 
 CDref::CDref(const AtomBlock& block) {
     ReadFields(*this, block);
-    std::size_t at = kTableAt;
+    std::size_t at = kEntriesAt;
     for (std::uint32_t i = 0; i < numberOfEntries; ++i) {
         const auto child = block.FittingChild(at);
         if (!child) {
@@ -80,7 +80,7 @@ CElst::CElst(const AtomBlock& block) {
     ReadFields(*this, block);
     // Every entry is made from the first 12 bytes of the atom, as its place is not added in. That
     // is settled, so the last entry is known as soon as one fits.
-    if (numberOfEntries > 0 && block.length >= kTableAt + BytesOnDisk<CEditListEntry>()) {
+    if (numberOfEntries > 0 && block.length >= kEntriesAt + BytesOnDisk<CEditListEntry>()) {
         lastEntry = CEditListEntry(block);
     }
 }

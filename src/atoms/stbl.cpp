@@ -40,8 +40,6 @@ Counted WhenCounted(std::uint32_t code) {
     }
 }
 
-constexpr std::size_t kChildrenAt = 8;
-
 template <typename Table>
 std::uint32_t SizeOf(const std::shared_ptr<Table>& table) {
     return table != nullptr ? table->size : 0;

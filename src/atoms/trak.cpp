@@ -8,11 +8,7 @@
 
 namespace clipfix {
 
-namespace {
-
-constexpr std::size_t kChildrenAt = 8;
-
-}  // namespace
+namespace {}  // namespace
 
 CTrak::CTrak(const AtomBlock& block, MovieRead& read) {
     ReadFields(*this, block);

@@ -10,7 +10,7 @@ namespace {
 // The first chunk's id stands behind the four letters of the word "movi".
 constexpr std::int64_t kIdAt = 4;
 // From the word's first letter to the chunk's data.
-constexpr std::uint32_t kHeadBytes = 12;
+constexpr std::uint32_t kListHeadBytes = 12;
 
 void MakeSureOfMovieListHead(Pass& pass) {
     if (!pass.bMoviListSeen) {
@@ -56,11 +56,11 @@ Next TakeFirstChunk(Pass& pass) {
     pass.dwRelOffset = 4;
     AddIndexRecord(pass, id, kIdAt);
     pass.dwRelOffset += pass.dwChunkSize + 8;
-    pass.GrowRiff(std::uint64_t{pass.dwChunkSize} + kHeadBytes);
+    pass.GrowRiff(std::uint64_t{pass.dwChunkSize} + kListHeadBytes);
     pass.dwMoviBody += pass.dwChunkSize + 8;
     // The word "movi" goes with the chunk. No refill behind it: the scan goes on in the buffer
     // that it has.
-    const Next next = CopyChunk(pass, {.headBytes = kHeadBytes, .bytesAhead = 0});
+    const Next next = CopyChunk(pass, {.headBytes = kListHeadBytes, .bytesAhead = 0});
     pass.percent.Step(pass.ullOffset);
     return next;
 }
@@ -85,7 +85,8 @@ Next TryFirstChunk(Pass& pass) {
     }
     if (!pass.bNextChecked) {
         const std::uint32_t reach = pass.dwChunkSize + 14;
-        const std::uint64_t next = std::uint64_t{pass.nBufferPos} + pass.dwChunkSize + kHeadBytes;
+        const std::uint64_t next =
+            std::uint64_t{pass.nBufferPos} + pass.dwChunkSize + kListHeadBytes;
         if (reach < pass.BufferRest()) {
             if (!IsFollowerInBuffer(pass, static_cast<std::int64_t>(next))) {
                 return OpenTheData(pass, 1);

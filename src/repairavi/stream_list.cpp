@@ -8,7 +8,6 @@ namespace clipfix {
 namespace {
 
 constexpr FourLetters kStrh = {'s', 't', 'r', 'h'};
-constexpr FourLetters kStrf = {'s', 't', 'r', 'f'};
 constexpr std::uint32_t kStrhSize = 56;
 
 constexpr std::uint32_t kNoCode = 0;

@@ -4,8 +4,6 @@ namespace clipfix {
 
 namespace {
 
-constexpr FourLetters kStrf = {'s', 't', 'r', 'f'};
-
 // The counters of the walk. They wrap at 2^32, and so do all sums with them.
 struct Walk {
     std::uint32_t a = 80;    // position from the "LIST" of the size field of the chunk at hand

@@ -7,6 +7,7 @@
 
 namespace clipfix {
 
+inline constexpr FourLetters kStrf = {'s', 't', 'r', 'f'};
 inline constexpr std::uint32_t kPictureFormatSize = 40;  // BITMAPINFOHEADER, in bytes
 inline constexpr std::uint32_t kSoundFormatSize = 16;    // PCMWAVEFORMAT, in bytes
 

@@ -9,7 +9,7 @@ namespace {
 // The output may not reach this; a job that would fails as a whole, and nothing is cut short.
 constexpr std::uint64_t kLargestRiffBody = 4294963296;  // 2^32 - 4000
 // From the tag to the chunk's data, and the two digits ahead of the tag.
-constexpr std::uint32_t kHeadBytes = 6;
+constexpr std::uint32_t kTagHeadBytes = 6;
 constexpr std::uint32_t kDigits = 2;
 
 bool HasDigitsAhead(Pass& pass) {
@@ -57,7 +57,7 @@ Next TakeChunk(Pass& pass) {
     pass.dwRelOffset += pass.dwChunkSize + 8;
     pass.GrowRiff(std::uint64_t{pass.dwChunkSize} + 8);
     pass.dwMoviBody += pass.dwChunkSize + 8;
-    const Next next = CopyChunk(pass, {.headBytes = kHeadBytes, .bytesAhead = kDigits});
+    const Next next = CopyChunk(pass, {.headBytes = kTagHeadBytes, .bytesAhead = kDigits});
     pass.RefillHere();
     pass.percent.Step(pass.ullOffset);
     return next;
@@ -75,7 +75,8 @@ Next TryChunk(Pass& pass) {
     }
     if (!pass.bNextChecked) {
         const std::uint32_t reach = pass.dwChunkSize + 10;
-        const std::uint64_t next = std::uint64_t{pass.nBufferPos} + pass.dwChunkSize + kHeadBytes;
+        const std::uint64_t next =
+            std::uint64_t{pass.nBufferPos} + pass.dwChunkSize + kTagHeadBytes;
         if (reach < pass.BufferRest()) {
             if (!IsFollower(pass, static_cast<std::int64_t>(next))) {
                 return pass.Advance(1);

@@ -15,6 +15,7 @@ using test::Atom;
 using test::ByteBuilder;
 using test::MemorySink;
 using test::Moov;
+using test::ReadMoov;
 using test::Table;
 using test::VideoTrak;
 
@@ -47,20 +48,16 @@ CAtomCreationRequest AudioRequest() {
     return request;
 }
 
-std::unique_ptr<CMoov> Read(const ByteVector& bytes) {
-    MovieRead read;
-    return std::make_unique<CMoov>(bytes, read);
-}
-
 ByteVector Written(CMoov& moov) {
     MemorySink sink;
     EXPECT_TRUE(moov.WriteMoov(sink));
     return sink.Bytes();
 }
 
-ByteVector Rebuilt(const ByteVector& reference, const CAtomCreationRequest& video = VideoRequest(),
-                   const CAtomCreationRequest& audio = AudioRequest()) {
-    const auto tree = Read(reference);
+ByteVector RebuiltMoovBytes(const ByteVector& reference,
+                            const CAtomCreationRequest& video = VideoRequest(),
+                            const CAtomCreationRequest& audio = AudioRequest()) {
+    const auto tree = ReadMoov(reference);
     const auto made = tree->CreateMoov(video, audio);
     return made != nullptr ? Written(*made) : ByteVector();
 }
@@ -138,7 +135,7 @@ TEST(RebuiltMoov, IsGoldenForVideoAndAac) {
     expected.Bytes(test::Mvhd(1000, 100));
     expected.Bytes(ExpectedVideoTrak());
     expected.Bytes(ExpectedAacTrak());
-    EXPECT_EQ(Rebuilt(Moov({VideoTrak(), AacTrak()})), expected.Take());
+    EXPECT_EQ(RebuiltMoovBytes(Moov({VideoTrak(), AacTrak()})), expected.Take());
 }
 
 TEST(RebuiltMoov, KeepsTheOrderOfTheReferencesTracks) {
@@ -147,7 +144,8 @@ TEST(RebuiltMoov, KeepsTheOrderOfTheReferencesTracks) {
     expected.Bytes(test::Mvhd(1000, 100));
     expected.Bytes(ExpectedAacTrak());
     expected.Bytes(ExpectedVideoTrak());
-    EXPECT_EQ(Rebuilt(Moov({AacTrak(), test::TimecodeTrak(), VideoTrak()})), expected.Take());
+    EXPECT_EQ(RebuiltMoovBytes(Moov({AacTrak(), test::TimecodeTrak(), VideoTrak()})),
+              expected.Take());
 }
 
 TEST(RebuiltMoov, IsGoldenForVideoAndTwos) {
@@ -178,7 +176,7 @@ TEST(RebuiltMoov, IsGoldenForVideoAndTwos) {
     expected.Big32(28).Text("stsc").Big32(0).Big32(1).Big32(1).Big32(5).Big32(1);
     expected.Big32(20).Text("stsz").Big32(0).Big32(1).Big32(15);
     expected.Big32(40).Text("co64").Big32(0).Big32(3).Big64(616).Big64(700).Big64(790);
-    EXPECT_EQ(Rebuilt(Moov({VideoTrak(), test::PcmTrak("twos")}), VideoRequest(), audio),
+    EXPECT_EQ(RebuiltMoovBytes(Moov({VideoTrak(), test::PcmTrak("twos")}), VideoRequest(), audio),
               expected.Take());
 }
 
@@ -219,21 +217,21 @@ TEST(RebuiltMoov, IsGoldenForVideoWithSyncSamplesAndCompositionOffsets) {
         expected.Big32(size);
     }
     expected.Big32(24).Text("co64").Big32(0).Big32(1).Big64(16);
-    EXPECT_EQ(Rebuilt(Moov({VideoTrak(stbl)}), video), expected.Take());
+    EXPECT_EQ(RebuiltMoovBytes(Moov({VideoTrak(stbl)}), video), expected.Take());
 }
 
 TEST(CreateMoov, GivesNullForATreeWithoutTracks) {
-    const auto tree = Read(Moov({}));
+    const auto tree = ReadMoov(Moov({}));
     EXPECT_EQ(tree->CreateMoov(VideoRequest(), AudioRequest()), nullptr);
 }
 
 TEST(CreateMoov, LeavesTheMovieHeaderAloneWhereThereIsNoOtherTrackThanTimecode) {
-    const ByteVector image = Rebuilt(Moov({test::TimecodeTrak()}));
+    const ByteVector image = RebuiltMoovBytes(Moov({test::TimecodeTrak()}));
     EXPECT_EQ(image, ByteBuilder().Big32(116).Text("moov").Bytes(test::Mvhd(1000, 999)).Take());
 }
 
 TEST(CreateMoov, ChangesNothingOfTheHeadersButTheirDurations) {
-    const auto tree = Read(Moov({VideoTrak(), AacTrak()}));
+    const auto tree = ReadMoov(Moov({VideoTrak(), AacTrak()}));
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->mvhd->Serialize(), test::Mvhd(1000, 100));
@@ -242,7 +240,7 @@ TEST(CreateMoov, ChangesNothingOfTheHeadersButTheirDurations) {
 }
 
 TEST(CreateMoov, ShowsTheNewDurationsInTheReferenceTreeToo) {
-    const auto tree = Read(Moov({VideoTrak(), AacTrak()}));
+    const auto tree = ReadMoov(Moov({VideoTrak(), AacTrak()}));
     EXPECT_EQ(tree->mvhd->duration, 999U);
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     EXPECT_EQ(tree->mvhd, made->mvhd);
@@ -256,7 +254,7 @@ TEST(CreateMoov, ShowsTheNewDurationsInTheReferenceTreeToo) {
 }
 
 TEST(CreateMoov, KeepsWhatTheRepairedTreeNeedsWhenTheReferenceGoesFirst) {
-    auto tree = Read(Moov({VideoTrak(), AacTrak()}));
+    auto tree = ReadMoov(Moov({VideoTrak(), AacTrak()}));
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     tree = nullptr;
     EXPECT_EQ(Written(*made).size(), 1163U);
@@ -269,7 +267,7 @@ TEST(CreateMoov, GivesTheMovieTheDurationOfTheLastVideoTrack) {
         return Atom("trak",
                     {test::Tkhd(5, 1), test::VideoMdia(test::VideoMinf(test::VideoStbl()))});
     };
-    const auto tree = Read(Moov({VideoTrak(), second(), AacTrak()}));
+    const auto tree = ReadMoov(Moov({VideoTrak(), second(), AacTrak()}));
     auto audio = AudioRequest();
     audio.stszEntries.assign(1000, 5);  // the sound is the longest by far
     const auto made = tree->CreateMoov(VideoRequest(), audio);
@@ -284,7 +282,7 @@ TEST(CreateMoov, UsesTheRateOfTheFirstTrackOfAKindForASecondTrackToo) {
     const ByteVector fast =
         Atom("trak", {test::Tkhd(5, 1), Atom("mdia", {test::Mdhd(30000, 3000), test::Hdlr("vide"),
                                                       test::VideoMinf(test::VideoStbl())})});
-    const auto tree = Read(Moov({VideoTrak(), fast}));
+    const auto tree = ReadMoov(Moov({VideoTrak(), fast}));
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     EXPECT_EQ(made->tracks[1]->trackDuration, 100U);         // at 30 a second
     EXPECT_EQ(made->tracks[1]->mdia->mdhd.duration, 1500U);  // at its own 60
@@ -293,7 +291,7 @@ TEST(CreateMoov, UsesTheRateOfTheFirstTrackOfAKindForASecondTrackToo) {
 TEST(CreateMoov, MakesEmptyTablesWhereTheJobFoundNothingOfAKind) {
     CAtomCreationRequest nothing;
     nothing.requestType = kAudioRequest;
-    const auto tree = Read(Moov({VideoTrak(), AacTrak()}));
+    const auto tree = ReadMoov(Moov({VideoTrak(), AacTrak()}));
     const auto made = tree->CreateMoov(VideoRequest(), nothing);
     ASSERT_EQ(made->tracks.size(), 2U);
     EXPECT_EQ(made->tracks[1]->sampleCount, 0U);
@@ -304,7 +302,7 @@ TEST(CreateMoov, MakesEmptyTablesWhereTheJobFoundNothingOfAKind) {
 TEST(CreateMoov, LetsTheMediaDurationWrapIn32BitsBeforeItIsDivided) {
     auto video = VideoRequest();
     video.stszEntries.assign(143166, 1);  // times 30000 is 4294980000, which is 2^32 + 12704
-    const auto tree = Read(Moov({VideoTrak()}));
+    const auto tree = ReadMoov(Moov({VideoTrak()}));
     const auto made = tree->CreateMoov(video, AudioRequest());
     EXPECT_EQ(made->tracks[0]->mdia->mdhd.duration, 423U);  // 12704 / 30
     EXPECT_EQ(made->tracks[0]->trackDuration, 4772200U);    // not wrapped
@@ -318,7 +316,7 @@ TEST(CreateMoov, DividesTheMediaDurationByARateThatIsNotCutForSowt) {
     auto audio = AudioRequest();
     audio.stcoEntries.assign(10, 16);
     audio.stscEntries = Runs({{1, 1000, 1}});
-    const auto tree = Read(Moov({sowt}));
+    const auto tree = ReadMoov(Moov({sowt}));
     EXPECT_EQ(tree->GetAudioSampleRate(), 1428.0);
     const auto made = tree->CreateMoov(VideoRequest(), audio);
     // 10000 * 1000 / 1428.5714285714287 is just below 7000, and is cut.
@@ -330,7 +328,7 @@ TEST(CreateMoov, GivesSoundNoEditListEvenWhereTheReferenceHasOne) {
     const ByteVector edts = Atom("edts", {Table("elst", 1, {85, 2048, 0x10000})});
     const ByteVector sound =
         Atom("trak", {test::Tkhd(2, 85), edts, test::AacMdia(test::AudioMinf(test::AacStbl()))});
-    const auto tree = Read(Moov({sound}));
+    const auto tree = ReadMoov(Moov({sound}));
     ASSERT_NE(tree->tracks[0]->edts, nullptr);
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     EXPECT_EQ(made->tracks[0]->edts, nullptr);
@@ -348,7 +346,7 @@ TEST(CreateMoov, WritesTheSizesOfLongerHeadersOverShorterImages) {
         Atom("moov", {test::WithSize(mvhd, 120),
                       Atom("trak", {test::WithSize(tkhd, 104),
                                     test::VideoMdia(test::VideoMinf(test::VideoStbl()))})});
-    const ByteVector image = Rebuilt(reference);
+    const ByteVector image = RebuiltMoovBytes(reference);
     EXPECT_EQ(ReadBig32(image, 0), image.size() + 24);
     EXPECT_EQ(ReadBig32(image, 8), 120U);
     EXPECT_EQ(ReadBig32(image, 116), image.size() - 116 + 12);
@@ -356,7 +354,7 @@ TEST(CreateMoov, WritesTheSizesOfLongerHeadersOverShorterImages) {
 }
 
 TEST(CreateMoov, WritesNothingForAMissingMovieHeader) {
-    const auto tree = Read(Atom("moov", {VideoTrak()}));
+    const auto tree = ReadMoov(Atom("moov", {VideoTrak()}));
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     EXPECT_EQ(made->tracks[0]->trackDuration, 0U);
     const ByteVector image = Written(*made);
@@ -370,7 +368,7 @@ TEST(CreateMoov, CutsADurationThatIsNoNumberToZero) {
     const ByteVector still =
         Atom("trak", {test::Tkhd(1, 1), Atom("mdia", {test::Mdhd(30000, 0), test::Hdlr("vide"),
                                                       test::VideoMinf(Atom("stbl"))})});
-    const auto tree = Read(Moov({still}));
+    const auto tree = ReadMoov(Moov({still}));
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     EXPECT_EQ(made->mvhd->duration, 0U);
     EXPECT_EQ(made->tracks[0]->mdia->mdhd.duration, 0U);
@@ -381,7 +379,7 @@ TEST(CreateMoov, RebuildsATrackWhoseKindOnlyItsMediaHeaderTells) {
         "trak",
         {test::Tkhd(1, 200, 1920, 1080),
          Atom("mdia", {test::Mdhd(30000, 6000, 0x15C7, 3), test::VideoMinf(test::VideoStbl())})});
-    const auto tree = Read(Moov({track}));
+    const auto tree = ReadMoov(Moov({track}));
     const auto made = tree->CreateMoov(VideoRequest(), AudioRequest());
     EXPECT_EQ(made->tracks[0]->data, ExpectedVideoTrak());
 }

@@ -1,15 +1,22 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
+#include "atoms/moov.h"
 #include "support/atom_builder.h"
 
 namespace clipfix::test {
 
 // The pieces of a small healthy movie: a video track of 6 samples at 30 per second and sound
 // tracks, each piece replaceable by a test.
+
+inline std::unique_ptr<CMoov> ReadMoov(const ByteVector& bytes) {
+    MovieRead read;
+    return std::make_unique<CMoov>(bytes, read);
+}
 
 inline ByteVector Stsz(std::initializer_list<std::uint32_t> sizes) {
     ByteBuilder payload;

@@ -18,6 +18,7 @@ using test::AtomOf;
 using test::Hdlr;
 using test::Mdhd;
 using test::Moov;
+using test::ReadMoov;
 using test::Table;
 using test::Tkhd;
 using test::VideoMdia;
@@ -25,11 +26,6 @@ using test::VideoMinf;
 using test::VideoStbl;
 using test::VideoTrak;
 using test::WithSize;
-
-std::unique_ptr<CMoov> Read(const ByteVector& bytes) {
-    MovieRead read;
-    return std::make_unique<CMoov>(bytes, read);
-}
 
 CMinf ReadMinf(const ByteVector& bytes) {
     MovieRead read;
@@ -78,44 +74,45 @@ TEST(CMoov, StartsTheCountOfTracksAnewForEachRead) {
 }
 
 TEST(CMoov, ReadsAHeaderBehindTheTracks) {
-    const auto moov = Read(Atom("moov", {VideoTrak(), AacTrak(), test::Mvhd(600, 1)}));
+    const auto moov = ReadMoov(Atom("moov", {VideoTrak(), AacTrak(), test::Mvhd(600, 1)}));
     EXPECT_EQ(moov->tracks.size(), 2U);
     ASSERT_NE(moov->mvhd, nullptr);
     EXPECT_EQ(moov->mvhd->timescale, 600U);
 }
 
 TEST(CMoov, LetsASecondHeaderReplaceTheFirst) {
-    const auto moov = Read(Atom("moov", {test::Mvhd(600, 1), VideoTrak(), test::Mvhd(700, 2)}));
+    const auto moov = ReadMoov(Atom("moov", {test::Mvhd(600, 1), VideoTrak(), test::Mvhd(700, 2)}));
     EXPECT_EQ(moov->mvhd->timescale, 700U);
 }
 
 TEST(CMoov, PassesOverChildrenItDoesNotKnow) {
-    const auto moov = Read(Atom("moov", {AtomOf("udta", ByteVector(37, 0x55)), test::Mvhd(600, 1),
-                                         AtomOf("meta", ByteVector(5)), VideoTrak(),
-                                         AtomOf("iods", ByteVector(3)), AacTrak()}));
+    const auto moov =
+        ReadMoov(Atom("moov", {AtomOf("udta", ByteVector(37, 0x55)), test::Mvhd(600, 1),
+                               AtomOf("meta", ByteVector(5)), VideoTrak(),
+                               AtomOf("iods", ByteVector(3)), AacTrak()}));
     EXPECT_EQ(moov->tracks.size(), 2U);
     EXPECT_NE(moov->mvhd, nullptr);
 }
 
 TEST(CMoov, EndsAtATrackWithoutAMdia) {
     const ByteVector empty = Atom("trak", {Tkhd(1, 200)});
-    EXPECT_EQ(Read(Moov({VideoTrak(), empty, AacTrak()}))->tracks.size(), 1U);
-    EXPECT_TRUE(Read(Moov({empty, VideoTrak(), AacTrak()}))->tracks.empty());
-    EXPECT_EQ(Read(Moov({VideoTrak(), AacTrak()}))->tracks.size(), 2U);
+    EXPECT_EQ(ReadMoov(Moov({VideoTrak(), empty, AacTrak()}))->tracks.size(), 1U);
+    EXPECT_TRUE(ReadMoov(Moov({empty, VideoTrak(), AacTrak()}))->tracks.empty());
+    EXPECT_EQ(ReadMoov(Moov({VideoTrak(), AacTrak()}))->tracks.size(), 2U);
 }
 
 TEST(CMoov, SlidesIntoATrackThatOverrunsIt) {
     ByteVector track = VideoTrak();
     const auto size = static_cast<std::uint32_t>(track.size());
-    EXPECT_EQ(Read(Moov({WithSize(track, size)}))->tracks.size(), 1U);
-    EXPECT_TRUE(Read(Moov({WithSize(track, size + 1)}))->tracks.empty());
+    EXPECT_EQ(ReadMoov(Moov({WithSize(track, size)}))->tracks.size(), 1U);
+    EXPECT_TRUE(ReadMoov(Moov({WithSize(track, size + 1)}))->tracks.empty());
     // A sound track behind it is found by sliding on.
-    EXPECT_EQ(Read(Moov({WithSize(track, 0x7FFFFFFF), AacTrak()}))->tracks.size(), 1U);
+    EXPECT_EQ(ReadMoov(Moov({WithSize(track, 0x7FFFFFFF), AacTrak()}))->tracks.size(), 1U);
 }
 
 TEST(CMoov, SlidesPastAHeaderOrTrackOfSizeZero) {
-    const auto moov = Read(Atom("moov", {WithSize(Atom("mvhd"), 0), WithSize(Atom("trak"), 0),
-                                         test::Mvhd(600, 1), VideoTrak()}));
+    const auto moov = ReadMoov(Atom("moov", {WithSize(Atom("mvhd"), 0), WithSize(Atom("trak"), 0),
+                                             test::Mvhd(600, 1), VideoTrak()}));
     EXPECT_EQ(moov->tracks.size(), 1U);
     EXPECT_EQ(moov->mvhd->timescale, 600U);
 }
@@ -123,19 +120,19 @@ TEST(CMoov, SlidesPastAHeaderOrTrackOfSizeZero) {
 TEST(CMoov, LooksAtAChildThatEndsWithIt) {
     // The scan of `moov` still looks at its last eight bytes: a track of eight bytes, without a
     // `mdia`, ends the read there as it would anywhere.
-    EXPECT_EQ(Read(Moov({VideoTrak(), Atom("trak")}))->tracks.size(), 1U);
-    const auto moov = Read(Atom("moov", {test::Mvhd(600, 1), Atom("mvhd")}));
+    EXPECT_EQ(ReadMoov(Moov({VideoTrak(), Atom("trak")}))->tracks.size(), 1U);
+    const auto moov = ReadMoov(Atom("moov", {test::Mvhd(600, 1), Atom("mvhd")}));
     EXPECT_EQ(moov->mvhd->size, 8U);  // the second header, all fields 0
     EXPECT_EQ(moov->mvhd->timescale, 0U);
 }
 
 TEST(CMoov, DoesNotConsultItsOwnSizeField) {
-    EXPECT_EQ(Read(WithSize(Moov({VideoTrak()}), 1))->tracks.size(), 1U);
+    EXPECT_EQ(ReadMoov(WithSize(Moov({VideoTrak()}), 1))->tracks.size(), 1U);
 }
 
 TEST(CMoov, IsEmptyForABlockShorterThanAHead) {
     for (std::size_t size = 0; size < 16; ++size) {
-        const auto moov = Read(ByteVector(size));
+        const auto moov = ReadMoov(ByteVector(size));
         EXPECT_TRUE(moov->tracks.empty());
         EXPECT_EQ(moov->mvhd, nullptr);
     }
@@ -409,8 +406,8 @@ TEST(CMinf, LosesItsTablesToALaterOneThatFailsTheTest) {
 TEST(Loss, ClimbsFromTheTablesToTheEndOfTheRead) {
     const ByteVector damaged =
         VideoTrak(Atom("stbl", {test::AvcStsd(), AtomOf("stps", ByteVector(9))}));
-    EXPECT_EQ(Read(Moov({AacTrak(), damaged, VideoTrak()}))->tracks.size(), 1U);
-    EXPECT_TRUE(Read(Moov({damaged, AacTrak(), VideoTrak()}))->tracks.empty());
+    EXPECT_EQ(ReadMoov(Moov({AacTrak(), damaged, VideoTrak()}))->tracks.size(), 1U);
+    EXPECT_TRUE(ReadMoov(Moov({damaged, AacTrak(), VideoTrak()}))->tracks.empty());
 }
 
 TEST(Loss, LeavesTheCoderFormatOfADroppedTrack) {
@@ -422,7 +419,7 @@ TEST(Loss, LeavesTheCoderFormatOfADroppedTrack) {
 }
 
 TEST(Getters, AnswerForTheFirstTrackOfEachKind) {
-    const auto moov = Read(Moov({AacTrak(), VideoTrak(), test::PcmTrak("sowt")}));
+    const auto moov = ReadMoov(Moov({AacTrak(), VideoTrak(), test::PcmTrak("sowt")}));
     EXPECT_EQ(moov->GetTrack(kVideoTrack), moov->tracks[1].get());
     EXPECT_EQ(moov->GetTrack("audio_track"), moov->tracks[0].get());
     EXPECT_EQ(moov->GetVideoSampleRate(), 30.0);
@@ -436,7 +433,7 @@ TEST(Getters, AnswerForTheFirstTrackOfEachKind) {
 }
 
 TEST(Getters, AnswerZeroWithoutATrackOfTheKind) {
-    const auto moov = Read(Moov({test::TimecodeTrak()}));
+    const auto moov = ReadMoov(Moov({test::TimecodeTrak()}));
     EXPECT_EQ(moov->GetVideoSampleRate(), 0.0);
     EXPECT_EQ(moov->GetAudioSampleRate(), 0.0);
     EXPECT_EQ(moov->GetVideoTimescale(), 0U);
@@ -451,7 +448,7 @@ TEST(Getters, AnswerZeroWithoutATrackOfTheKind) {
 
 TEST(Getters, GiveNoDecoderSpecificBytesForPcmSound) {
     EXPECT_FALSE(
-        Read(Moov({test::PcmTrak("twos"), AacTrak()}))->GetAudioSpecificInfo().has_value());
+        ReadMoov(Moov({test::PcmTrak("twos"), AacTrak()}))->GetAudioSpecificInfo().has_value());
 }
 
 TEST(TwoReads, RunAtTheSameTimeWithoutKnowingOfEachOther) {

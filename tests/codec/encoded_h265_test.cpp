@@ -19,7 +19,7 @@ using test::Encode;
 using test::EncodedStream;
 using test::TracedUnit;
 
-struct StreamCase {
+struct H265Case {
     const char* name;
     std::string x265Params;
     std::vector<std::string> options;
@@ -27,11 +27,11 @@ struct StreamCase {
     std::int32_t height = 240;
 };
 
-std::string NameOf(const testing::TestParamInfo<StreamCase>& param) {
+std::string NameOfH265(const testing::TestParamInfo<H265Case>& param) {
     return param.param.name;
 }
 
-class H265Stream : public testing::TestWithParam<StreamCase> {
+class H265Stream : public testing::TestWithParam<H265Case> {
   protected:
     H265Stream() {
         std::vector<std::string> options{"-c:v",         "libx265",
@@ -227,20 +227,19 @@ TEST_P(H265Stream, IsWalkedFromEndToEnd) {
 INSTANTIATE_TEST_SUITE_P(
     Encoder, H265Stream,
     testing::Values(
-        StreamCase{"Main", "wpp=1", {"-t", "0.6"}},
-        StreamCase{"Main10", "wpp=1", {"-t", "0.6", "-pix_fmt", "yuv420p10le"}},
-        StreamCase{"Main422", "wpp=0", {"-t", "0.6", "-pix_fmt", "yuv422p"}},
-        StreamCase{"NoWavefront", "wpp=0", {"-t", "0.6"}},
-        StreamCase{"ManySlices", "slices=3:wpp=1", {"-t", "0.6"}},
-        StreamCase{"TemporalLayers", "temporal-layers=1:b-adapt=0:bframes=3", {"-t", "1"}},
-        StreamCase{"DelimitersAndSei",
-                   "aud=1:hrd=1:vbv-bufsize=500:vbv-maxrate=500:keyint=5:open-gop=0",
-                   {"-t", "1"}},
-        StreamCase{"Cropped", "wpp=1:ctu=32", {"-t", "0.6", "-vf", "scale=404:226"}, 404, 226},
-        StreamCase{"SmallBlocks", "ctu=16:min-cu-size=8:max-tu-size=16", {"-t", "0.6"}},
-        StreamCase{
-            "NoDeblocking", "deblock=0:no-deblock=1:sao=0:tskip=1:cbqpoffs=2", {"-t", "0.6"}}),
-    NameOf);
+        H265Case{"Main", "wpp=1", {"-t", "0.6"}},
+        H265Case{"Main10", "wpp=1", {"-t", "0.6", "-pix_fmt", "yuv420p10le"}},
+        H265Case{"Main422", "wpp=0", {"-t", "0.6", "-pix_fmt", "yuv422p"}},
+        H265Case{"NoWavefront", "wpp=0", {"-t", "0.6"}},
+        H265Case{"ManySlices", "slices=3:wpp=1", {"-t", "0.6"}},
+        H265Case{"TemporalLayers", "temporal-layers=1:b-adapt=0:bframes=3", {"-t", "1"}},
+        H265Case{"DelimitersAndSei",
+                 "aud=1:hrd=1:vbv-bufsize=500:vbv-maxrate=500:keyint=5:open-gop=0",
+                 {"-t", "1"}},
+        H265Case{"Cropped", "wpp=1:ctu=32", {"-t", "0.6", "-vf", "scale=404:226"}, 404, 226},
+        H265Case{"SmallBlocks", "ctu=16:min-cu-size=8:max-tu-size=16", {"-t", "0.6"}},
+        H265Case{"NoDeblocking", "deblock=0:no-deblock=1:sao=0:tskip=1:cbqpoffs=2", {"-t", "0.6"}}),
+    NameOfH265);
 
 }  // namespace
 }  // namespace clipfix

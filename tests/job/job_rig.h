@@ -17,6 +17,11 @@ namespace clipfix::test {
 // 15 November 2026, 05:03:09 UTC.
 inline constexpr std::int64_t kTestNow = 1794718989;
 
+inline constexpr std::uint64_t kMiB = 1048576;
+
+// The question of a cancel.
+inline const std::string kQuestion = "dialog 2: IDS_CANCEL_DLG_MSG  | IDS_CONFIRMATION | Yes | No";
+
 // One driver with a scripted face, scripted engines and a clock that is moved by hand, in a folder
 // of its own. The test's thread is the interface thread.
 class JobRig {

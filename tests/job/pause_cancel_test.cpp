@@ -11,7 +11,6 @@ using Work = JobControl::Work;
 
 const Lines kPaused = {"stop animation", "Pause = IDS_RESUME"};
 const Lines kResumed = {"animate repair", "Pause = IDS_PAUSE"};
-const std::string kQuestion = "dialog 2: IDS_CANCEL_DLG_MSG  | IDS_CONFIRMATION | Yes | No";
 const std::string kAborted = "dialog 3: IDS_REPAIR_ABORTED | IDS_INFORMATION |  | Ok";
 
 // A MOV job whose engine stands in its search, and an AVI job in its pass.

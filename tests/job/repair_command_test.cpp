@@ -9,8 +9,6 @@
 namespace clipfix::test {
 namespace {
 
-constexpr std::uint64_t kMiB = 1048576;
-
 // A file of that many bytes that takes no room.
 void MakeSparseFile(const std::string& path, std::uint64_t bytes) {
     WriteFile(path, {});

@@ -11,15 +11,12 @@ namespace {
 
 using std::filesystem::exists;
 
-constexpr std::uint64_t kMiB = 1048576;
-
 const std::string kAskMov =
     "ask save path: KelvoClipfix_ 15-11-2026-5-3-9.mov | *.mov | Movie File(*.mov)|*.mov|| | 2054";
 const std::string kAskAvi =
     "ask save path: KelvoClipfix_ 15-11-2026-5-3-9.avi | *.avi | AVI File(*.avi)|*.avi|| | 2054";
 const std::string kCompleted = "dialog 3: IDS_SAVE_COMPLETED | IDS_INFORMATION |  | Ok";
-const std::string kAborted = "dialog 3: IDS_SAVE_ABORTED | IDS_INFORMATION |  | Ok";
-const std::string kQuestion = "dialog 2: IDS_CANCEL_DLG_MSG  | IDS_CONFIRMATION | Yes | No";
+const std::string kSaveAborted = "dialog 3: IDS_SAVE_ABORTED | IDS_INFORMATION |  | Ok";
 
 // What the save worker shows up to its move.
 Lines Destination(const std::string& shown) {
@@ -197,7 +194,7 @@ TEST_F(Save, TakesALateYesOfTheRepairForItsOwn) {
     rig.face.WillAnswer("IDS_SAVE_ABORTED", MessageAnswer::Ok);
     SaveTo(Here("s.mov"));
     rig.Wait();
-    EXPECT_TRUE(rig.log.Has(kAborted));
+    EXPECT_TRUE(rig.log.Has(kSaveAborted));
     EXPECT_TRUE(exists(Here("s.mov"))) << "moved all the same";
     EXPECT_EQ(rig.SaveFlags(), "saving 1, running 0");
 }
@@ -328,13 +325,13 @@ TEST_P(CancelledSave, LeavesNothing) {
     EXPECT_TRUE(exists(target));
     rig.face.WillAnswer("IDS_SAVE_ABORTED", MessageAnswer::Ok);
     rig.face.WillAnswer("IDS_SAVE_ABORTED", MessageAnswer::Ok);
-    CancelWithYes(kAborted);
+    CancelWithYes(kSaveAborted);
     EXPECT_EQ(rig.log.OfInterface(),
               Join({{kQuestion, "answered Yes", "redraw Frame", "sleep 50 ms", "stop animation",
-                     kAborted, "answered Ok", "rebuild sections"},
+                     kSaveAborted, "answered Ok", "rebuild sections"},
                     kHomeState,
                     {"redraw Frame"}}));
-    EXPECT_EQ(rig.log.OfWorkers(), (Lines{kAborted, "answered Ok"}));
+    EXPECT_EQ(rig.log.OfWorkers(), (Lines{kSaveAborted, "answered Ok"}));
     EXPECT_EQ(rig.SaveFlags(), "saving 0, running 0");
     EXPECT_EQ(rig.state.g_nSavePercent, 100);
     EXPECT_FALSE(exists(target));
@@ -352,7 +349,7 @@ TEST_F(StandingSave, KeepsItsSourceWhenItsCopyIsCancelled) {
     bool stood = false;
     rig.face.WillAnswer("IDS_CANCEL_DLG_MSG ", MessageAnswer::Yes, [this] { pace.LetThrough(1); });
     rig.face.Before("stop animation", [&] {
-        EXPECT_TRUE(rig.log.WaitFor(kAborted));
+        EXPECT_TRUE(rig.log.WaitFor(kSaveAborted));
         stood = exists(rig.RepairedMov());
     });
     rig.driver.OnCancelJob();

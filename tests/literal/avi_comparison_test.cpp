@@ -6,6 +6,7 @@
 #include "job/state/job_paths.h"
 #include "literal/literal_avi.h"
 #include "literal/random_avi.h"
+#include "literal/random_source.h"
 #include "repairavi/repair_avi.h"
 #include "support/silent_front_end.h"
 #include "support/temp_folder.h"
@@ -77,11 +78,6 @@ void ExpectSame(const LiteralAviResult& model, const EngineRun& run) {
         EXPECT_EQ(run.made.riffBody, model.riffBody);
         EXPECT_TRUE(run.made.thumbnail == model.thumbnail);
     }
-}
-
-std::uint64_t NumberFromEnvironment(const char* name, std::uint64_t otherwise) {
-    const char* set = std::getenv(name);
-    return set != nullptr ? std::strtoull(set, nullptr, 10) : otherwise;
 }
 
 // CLIPFIX_SEEDS and CLIPFIX_FIRST_SEED make this a soak run of any length.

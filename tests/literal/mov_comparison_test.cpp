@@ -125,11 +125,6 @@ void Wound(ByteVector& bytes, RandomSource& random) {
     }
 }
 
-std::uint64_t NumberFromEnvironment(const char* name, std::uint64_t otherwise) {
-    const char* set = std::getenv(name);
-    return set != nullptr ? std::strtoull(set, nullptr, 10) : otherwise;
-}
-
 TEST(MovEngine, DoesWhatTheLiteralModelDoesOnRandomDamage) {
     const std::uint64_t first = NumberFromEnvironment("CLIPFIX_FIRST_SEED", 1);
     const std::uint64_t count = NumberFromEnvironment("CLIPFIX_SEEDS", 40);

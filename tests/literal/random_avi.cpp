@@ -11,7 +11,7 @@ namespace clipfix::test {
 
 namespace {
 
-constexpr std::uint32_t kBuffer = 333333;
+constexpr std::uint32_t kRefill = 333333;
 
 class AviMaker {
   public:
@@ -40,8 +40,8 @@ class AviMaker {
         // Brings what follows near a multiple of the buffer, or far over one.
         std::uint32_t size = random_.Below(4000);
         if (random_.OneIn(2)) {
-            const auto at = static_cast<std::uint32_t>((out_.Size() + 8) % kBuffer);
-            size = kBuffer - at + random_.Below(80) - 40;
+            const auto at = static_cast<std::uint32_t>((out_.Size() + 8) % kRefill);
+            size = kRefill - at + random_.Below(80) - 40;
         } else if (random_.OneIn(3)) {
             size = random_.Below(800000);
         }
@@ -133,11 +133,11 @@ class AviMaker {
                 return random_.Below(1000000);
             case 3: {
                 // Ends, or has its follower's head, near the end of the buffer.
-                const std::uint32_t at = static_cast<std::uint32_t>(out_.Size()) % kBuffer;
-                return kBuffer - at + random_.Below(64) - 32;
+                const std::uint32_t at = static_cast<std::uint32_t>(out_.Size()) % kRefill;
+                return kRefill - at + random_.Below(64) - 32;
             }
             case 4:
-                return kBuffer * (1 + random_.Below(3)) + random_.Below(64) - 32;
+                return kRefill * (1 + random_.Below(3)) + random_.Below(64) - 32;
             default:
                 return random_.Below(4000);
         }

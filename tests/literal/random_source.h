@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 
 #include "base/bytes.h"
 
@@ -34,5 +35,11 @@ class RandomSource {
   private:
     std::uint64_t state_;
 };
+
+// For runs that are longer than usual, or repeat one seed.
+inline std::uint64_t NumberFromEnvironment(const char* name, std::uint64_t otherwise) {
+    const char* set = std::getenv(name);
+    return set != nullptr ? std::strtoull(set, nullptr, 10) : otherwise;
+}
 
 }  // namespace clipfix::test

@@ -11,7 +11,7 @@ namespace {
 
 using test::MemoryFile;
 
-ByteVector Pattern(std::size_t size) {
+ByteVector BytesWithoutZero(std::size_t size) {
     ByteVector bytes(size);
     for (std::size_t i = 0; i < size; ++i) {
         bytes[i] = static_cast<std::uint8_t>((i * 31 + i / 251) % 255 + 1);  // never 0
@@ -20,7 +20,7 @@ ByteVector Pattern(std::size_t size) {
 }
 
 TEST(WindowReader, GivesTheBytesAtAnyPosition) {
-    const ByteVector bytes = Pattern(3'000'000);
+    const ByteVector bytes = BytesWithoutZero(3'000'000);
     const MemoryFile file(bytes);
     WindowReader reader(file);
     for (const std::uint64_t offset : {0U, 1U, 16384U, 2'999'990U, 5U, 1'500'000U, 1'516'380U}) {
@@ -33,7 +33,7 @@ TEST(WindowReader, GivesTheBytesAtAnyPosition) {
 }
 
 TEST(WindowReader, CutsAViewAtTheFilesEnd) {
-    const MemoryFile file(Pattern(100));
+    const MemoryFile file(BytesWithoutZero(100));
     WindowReader reader(file);
     EXPECT_EQ(reader.View(95, 10).size(), 5U);
     EXPECT_TRUE(reader.View(100, 10).empty());
@@ -53,7 +53,7 @@ TEST(WindowReader, FillsWhatLiesBehindTheEndWithZeros) {
 }
 
 TEST(WindowReader, LosesOnlyTheSectorThatCannotBeRead) {
-    const ByteVector bytes = Pattern(200'000);
+    const ByteVector bytes = BytesWithoutZero(200'000);
     MemoryFile file(bytes);
     file.BreakRange(100'000, 1);  // in the sector that begins at 99840
     WindowReader reader(file);
@@ -67,7 +67,7 @@ TEST(WindowReader, LosesOnlyTheSectorThatCannotBeRead) {
 }
 
 TEST(WindowReader, CountsAnUnreadableSectorOnceHoweverOftenItIsTried) {
-    MemoryFile file(Pattern(10'000));
+    MemoryFile file(BytesWithoutZero(10'000));
     file.BreakRange(2048, 512);
     WindowReader reader(file);
     ByteVector out(10'000);
@@ -78,7 +78,7 @@ TEST(WindowReader, CountsAnUnreadableSectorOnceHoweverOftenItIsTried) {
 }
 
 TEST(WindowReader, ReadsAScanInFewLargePieces) {
-    const MemoryFile file(Pattern(8U << 20U));
+    const MemoryFile file(BytesWithoutZero(8U << 20U));
     WindowReader reader(file);
     for (std::uint64_t at = 0; at < file.Size();) {
         at += reader.ViewOnward(at).size();
@@ -88,7 +88,7 @@ TEST(WindowReader, ReadsAScanInFewLargePieces) {
 }
 
 TEST(WindowReader, ReadsLittleForALookHereAndThere) {
-    ByteVector bytes = Pattern(8U << 20U);
+    ByteVector bytes = BytesWithoutZero(8U << 20U);
     const MemoryFile file(bytes);
     WindowReader reader(file);
     for (std::uint64_t at = 0; at < file.Size(); at += 1'000'000) {
@@ -98,7 +98,7 @@ TEST(WindowReader, ReadsLittleForALookHereAndThere) {
 }
 
 TEST(WindowReader, KeepsTheEarlierWindowForWhoLooksAheadAndComesBack) {
-    const MemoryFile file(Pattern(8U << 20U));
+    const MemoryFile file(BytesWithoutZero(8U << 20U));
     WindowReader reader(file);
     for (std::uint64_t head = 0; head < 5'000'000; head += 50'000) {
         EXPECT_EQ(reader.View(head, 8).size(), 8U);

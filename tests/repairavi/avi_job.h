@@ -107,4 +107,19 @@ struct AviJob {
     return file;
 }
 
+// Two streams of three chunks, and where the list of the chunks begins in it.
+[[nodiscard]] inline AviFile UsualFile() {
+    return SoundFile({AviPicture(20, 1), AviPicture(31, 2), AviSound(8, 3)});
+}
+inline constexpr std::size_t kMovieList = 312;
+
+// A code of four zero bytes.
+inline const std::string kNone(4, '\0');
+
+// A chunk's head is looked for behind its two digits, and a buffer that begins at the second digit
+// or at the tag does not show both. Refills come by themselves at offsets 1, 333334, 666667...
+[[nodiscard]] inline bool HeadLiesAcrossARefill(std::size_t start) {
+    return start % 333333 == 0 || start % 333333 == 333332;
+}
+
 }  // namespace clipfix::test

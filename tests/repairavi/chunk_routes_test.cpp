@@ -11,8 +11,6 @@ namespace {
 using namespace test;
 using test::AviChunk;  // the builder, and not the record of the same name
 
-constexpr std::size_t kMovieList = 312;
-
 // All up to and with the word "movi", of two usual streams; `behind` follows the word.
 ByteVector FileWithData(ByteView behind) {
     ByteVector bytes = SoundFile({}).Bytes();

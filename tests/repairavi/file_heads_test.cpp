@@ -14,11 +14,6 @@ using test::AviChunk;  // the builder, and not the record of the same name
 // Offsets in a file of the usual two streams.
 constexpr std::size_t kMainHeader = 12;
 constexpr std::size_t kFirstStreamList = 88;
-constexpr std::size_t kMovieList = 312;
-
-AviFile UsualFile() {
-    return SoundFile({AviPicture(20, 1), AviPicture(31, 2), AviSound(8, 3)});
-}
 
 // The 76 bytes that stand where no main header was found, but for the three fields that the end of
 // the job fills in.

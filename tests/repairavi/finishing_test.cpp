@@ -13,8 +13,6 @@ namespace {
 using namespace test;
 using test::AviChunk;  // the builder, and not the record of the same name
 
-const std::string kNone(4, '\0');
-
 AviFile FileWithSuperIndexes() {
     AviFile file = SoundFile(AviChunks(4));
     file.streamLists[0] = AviStreamList(

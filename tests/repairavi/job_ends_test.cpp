@@ -20,10 +20,6 @@ using namespace test;
 using test::AviChunk;  // the builder, and not the record of the same name
 using namespace std::chrono_literals;
 
-AviFile UsualFile() {
-    return SoundFile({AviPicture(20, 1), AviPicture(31, 2), AviSound(8, 3)});
-}
-
 ByteVector Padded(ByteVector bytes, std::size_t size = 1000) {
     bytes.resize(std::max(bytes.size(), size), 0x80);
     return bytes;
@@ -85,8 +81,6 @@ ByteVector MainHeaderAnd(const ByteVector& behind) {
     AppendBytes(bytes, behind);
     return Padded(bytes);
 }
-
-const std::string kNone(4, '\0');
 
 ByteVector ChunksOf(const std::vector<AviDataChunk>& chunks) {
     return Join({AviMovieList(chunks), AviChunk("idx1", ByteVector(16))});

@@ -11,10 +11,6 @@ namespace {
 using namespace test;
 using test::AviChunk;  // the builder, and not the record of the same name
 
-AviFile UsualFile() {
-    return SoundFile({AviPicture(20, 1), AviPicture(31, 2), AviSound(8, 3)});
-}
-
 ByteVector Info(std::size_t size = 13) {
     return AviList("INFO", {AviChunk("ISFT", ByteVector(size, 'x'))});
 }

@@ -48,11 +48,6 @@ ByteVector DataOf(ByteView bytes, const Placed& chunk) {
     return {data.begin(), data.end()};
 }
 
-// A chunk whose digits and tag a refill parts is lost, see whole_file_test.cpp.
-bool HeadLiesAcrossARefill(std::size_t start) {
-    return start % 333333 == 0 || start % 333333 == 333332;
-}
-
 struct Media {
     const char* name;
     const char* arguments;

@@ -18,7 +18,7 @@ ByteVector HeadOf(const AviFile& file) {
     return bytes;
 }
 
-ByteVector Padded(ByteVector bytes, std::size_t size) {
+ByteVector ResizedTo(ByteVector bytes, std::size_t size) {
     bytes.resize(size, 0x80);
     return bytes;
 }
@@ -36,9 +36,9 @@ Seen SeenOfTheListAt(std::size_t at, bool beginsWithRiff) {
     if (!beginsWithRiff) {
         Insert(bytes, 0, ByteVector{0x80});
     }
-    bytes = Padded(bytes, at);
+    bytes = ResizedTo(bytes, at);
     AppendText(bytes, "LIST1234movi");
-    bytes = Padded(bytes, 400'000);
+    bytes = ResizedTo(bytes, 400'000);
     const auto output = Repaired(bytes);
     if (!output) {
         return Seen::TheWordOnly;
@@ -79,14 +79,14 @@ TEST(AJumpOverARefillPoint, ShowsTheOldContentsUntilTheNextOne) {
     const std::size_t junkSize = 340'000;
     AppendText(bytes, "JUNK");
     AppendLittle32(bytes, junkSize);
-    bytes = Padded(bytes, junkAt + 8 + junkSize);
+    bytes = ResizedTo(bytes, junkAt + 8 + junkSize);
     const std::size_t hidden = bytes.size();
     AppendBytes(bytes, AviChunk("00dc", AviFrame(30, 3)));
     AppendBytes(bytes, AviChunk("00dc", AviFrame(32, 4)));
     AppendBytes(bytes, AviChunk("00dc", AviFrame(34, 5)));
     // Behind the next refill point all is seen as it is.
     ASSERT_LT(hidden, 666'667U);
-    bytes = Padded(bytes, 666'700);
+    bytes = ResizedTo(bytes, 666'700);
     AppendBytes(bytes, AviChunk("00dc", AviFrame(36, 6)));
     AppendBytes(bytes, AviChunk("00dc", AviFrame(38, 7)));
     AppendBytes(bytes, AviChunk("idx1", ByteVector(16)));
@@ -109,7 +109,7 @@ TEST(AJumpOverARefillPoint, TakesAChunkOfTheOldContentsAgain) {
     AppendBytes(bytes, AviChunk("00dc", AviFrame(32, 4)));
     AppendBytes(bytes, AviChunk("00dc", AviFrame(34, 5)));
     // Index 10 is file offset `start` + 10 as shown, and `start` + 333343 as counted.
-    bytes = Padded(bytes, start + 333'343 + 38);
+    bytes = ResizedTo(bytes, start + 333'343 + 38);
     // The chunk at index 10 is copied out of the buffer, 38 bytes; then the buffer is filled from
     // the true place.
     AppendBytes(bytes, AviChunk("00dc", AviFrame(40, 8)));
@@ -136,7 +136,7 @@ TEST(AJumpOverARefillPoint, CopiesALargeChunkOfTheOldContentsFromWhereTheyWereRe
     AppendBytes(bytes, AviChunk("00dc", AviFrame(chunkSize, 3)));
     // Counted from the second round the chunk ends 333333 bytes later than it does in fact.
     const std::size_t countedEnd = start + 333'343 + 8 + chunkSize;
-    bytes = Padded(bytes, countedEnd);
+    bytes = ResizedTo(bytes, countedEnd);
     AppendBytes(bytes, AviChunk("00dc", AviFrame(40, 8)));
     AppendBytes(bytes, AviChunk("00dc", AviFrame(42, 9)));
     AppendBytes(bytes, AviChunk("idx1", ByteVector(16)));
@@ -169,7 +169,7 @@ TEST(AJumpOverARefillPoint, ShowsTheRepairsOfTheMainHeaderAgain) {
     AppendBytes(bytes, SubView(head, 12, 76));
     AppendText(bytes, "JUNK");
     AppendLittle32(bytes, 333'333 + 16 - 104 - 8);
-    bytes = Padded(bytes, 500'000);
+    bytes = ResizedTo(bytes, 500'000);
 
     const auto output = Repaired(bytes);
     ASSERT_TRUE(output);

@@ -14,10 +14,6 @@ using test::AviChunk;  // the builder, and not the record of the same name
 constexpr std::size_t kFirstList = 88;
 constexpr std::size_t kSecondList = 88 + 124;
 
-AviFile UsualFile() {
-    return SoundFile({AviPicture(20, 1), AviPicture(31, 2), AviSound(8, 3)});
-}
-
 // --- Fields of the two stream lists, one at a time.
 
 struct Row {
@@ -105,8 +101,6 @@ TEST_P(HandlerAndCompression, DecideWhatIsWritten) {
                       AviPictureFormatBytes({.biCompression = GetParam().expected}));
     EXPECT_EQ(output, WithFreshCounts(expected));
 }
-
-const std::string kNone(4, '\0');
 
 INSTANTIATE_TEST_SUITE_P(
     Rows, HandlerAndCompression,

@@ -44,12 +44,6 @@ TEST(AnIntactFile, IsNeverWrittenTo) {
     EXPECT_EQ(std::filesystem::last_write_time(job.folder / "damaged.avi"), before);
 }
 
-// A chunk's head is looked for behind its two digits, and a buffer that begins at the second digit
-// or at the tag does not show both. Refills come by themselves at offsets 1, 333334, 666667...
-bool HeadLiesAcrossARefill(std::size_t start) {
-    return start % 333333 == 0 || start % 333333 == 333332;
-}
-
 // The file less the chunks that are lost for that reason; the first is found by the word "movi".
 AviFile LessThoseAcrossRefills(AviFile file) {
     std::size_t start = FindText(file.Bytes(), "movi") + 4;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "chunk_offsets.h"
+
 namespace clipfix::test {
 namespace {
 
@@ -21,15 +23,7 @@ std::vector<std::vector<std::uint32_t>> Numbers(const ChunkOrder::Runs& runs) {
     }
     return numbers;
 }
-std::vector<std::uint64_t> OffsetsOf(const ChunkList& chunks) {
-    std::vector<std::uint64_t> offsets;
-    for (const Chunk& chunk : chunks) {
-        offsets.push_back(chunk.samples.front().offset);
-    }
-    return offsets;
-}
 using Rows = std::vector<std::vector<std::uint32_t>>;
-using Offsets = std::vector<std::uint64_t>;
 
 TEST(ChunkOrder, NotesAnEntryOnlyWhereTheCountChanges) {
     ChunkOrder order;

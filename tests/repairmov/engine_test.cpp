@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "chunk_offsets.h"
 #include "small_movies.h"
 
 namespace clipfix::test {
@@ -9,7 +10,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Offsets = std::vector<std::uint64_t>;
 using Sizes = std::vector<std::uint32_t>;
 
 void ExpectNothingFound(const EngineRun& run) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "chunk_offsets.h"
 #include "moviefile/structure_check.h"
 #include "small_movies.h"
 #include "support/memory_file.h"
@@ -37,15 +38,6 @@ struct Scanned {
         reads = file.Reads() - before;
     }
 };
-
-std::vector<std::uint64_t> OffsetsOf(const ChunkList& chunks) {
-    std::vector<std::uint64_t> offsets;
-    for (const Chunk& chunk : chunks) {
-        offsets.push_back(chunk.samples.front().offset);
-    }
-    return offsets;
-}
-using Offsets = std::vector<std::uint64_t>;
 
 // Large enough that the scan works through several windows; runs stand at every kind of place.
 TEST(ForkLocator, FindsRunsWhereverTheyStand) {

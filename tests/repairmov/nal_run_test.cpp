@@ -49,7 +49,7 @@ NalRun RunOf(bool isH265, std::initializer_list<UnitFacts> units) {
     return run;
 }
 
-// Sizes of the records; those that are no samples of the output as negative numbers.
+// SignedSizes of the records; those that are no samples of the output as negative numbers.
 std::vector<std::int64_t> SizesOf(const NalRun& run) {
     std::vector<std::int64_t> sizes;
     for (const CSample& record : run.Records().samples) {
@@ -58,11 +58,11 @@ std::vector<std::int64_t> SizesOf(const NalRun& run) {
     }
     return sizes;
 }
-using Sizes = std::vector<std::int64_t>;
+using SignedSizes = std::vector<std::int64_t>;
 
 TEST(NalRun264, SlicesOfOnePictureInRisingOrderAreOneRecord) {
     const NalRun run = RunOf(false, {Slice(0), Slice(396), Slice(0, 1)});
-    EXPECT_EQ(SizesOf(run), (Sizes{20, 10}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{20, 10}));
     EXPECT_EQ(run.SampleCount(), 2U);
     EXPECT_EQ(run.UnitCount(), 3U);
     EXPECT_EQ(run.Records().recordCount, 2U);
@@ -71,29 +71,29 @@ TEST(NalRun264, SlicesOfOnePictureInRisingOrderAreOneRecord) {
 
 TEST(NalRun264, PicturesOfOneFrameNumberAreTwoRecordsBecauseEachStartsAtTheTop) {
     const NalRun run = RunOf(false, {Slice(0, 4), Slice(0, 4), Slice(0, 4)});
-    EXPECT_EQ(SizesOf(run), (Sizes{10, 10, 10}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{10, 10, 10}));
     EXPECT_EQ(run.SampleCount(), 3U);
 }
 
 TEST(NalRun264, EachOfTheFourValuesKeepsSlicesApart) {
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9)})), (Sizes{20}));
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9, 1)})), (Sizes{10, 10}));
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9, 0, 7)})), (Sizes{10, 10}));
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9, 0, 5, 5)})), (Sizes{10, 10}));
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(9), Slice(9)})), (Sizes{10, 10}));
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(9), Slice(3)})), (Sizes{10, 10}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9)})), (SignedSizes{20}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9, 1)})), (SignedSizes{10, 10}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9, 0, 7)})), (SignedSizes{10, 10}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Slice(9, 0, 5, 5)})), (SignedSizes{10, 10}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(9), Slice(9)})), (SignedSizes{10, 10}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(9), Slice(3)})), (SignedSizes{10, 10}));
 }
 
 // An I slice and a P slice in one frame make one counted record for each change of the type.
 TEST(NalRun264, APictureOfMixedSliceTypesIsSeveralSamples) {
     const NalRun run = RunOf(false, {Slice(0, 0, 7), Slice(5, 0, 5), Slice(9, 0, 7)});
-    EXPECT_EQ(SizesOf(run), (Sizes{10, 10, 10}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{10, 10, 10}));
     EXPECT_EQ(run.SampleCount(), 3U);
 }
 
 TEST(NalRun264, ValuesOfFirstMbAreComparedAsSignedNumbers) {
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(-5), Slice(3)})), (Sizes{20}));
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(3), Slice(-5)})), (Sizes{10, 10}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(-5), Slice(3)})), (SignedSizes{20}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(3), Slice(-5)})), (SignedSizes{10, 10}));
 }
 
 TEST(NalRun264, UnitsWithoutASliceNeverMerge) {
@@ -107,7 +107,7 @@ TEST(NalRun264, CountsSlicesAndSequenceSetsOnly) {
     EXPECT_EQ(run.SampleCount(), 2U);
     EXPECT_EQ(run.Records().recordCount, 5U);
     // The delimiter belongs to the set, the two in the middle to the slice.
-    EXPECT_EQ(SizesOf(run), (Sizes{20, 30}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{20, 30}));
     EXPECT_EQ(run.Records().samples[0].offset, 1000U);
     EXPECT_EQ(run.Records().samples[1].offset, 1020U);
 }
@@ -116,16 +116,16 @@ TEST(NalRun264, ThreeDelimitersAreARunWithoutASample) {
     const NalRun run = RunOf(false, {Facts264(9, 6), Facts264(9, 6), Facts264(9, 6)});
     EXPECT_EQ(run.UnitCount(), 3U);
     EXPECT_EQ(run.SampleCount(), 0U);
-    EXPECT_EQ(SizesOf(run), (Sizes{-18}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{-18}));
 }
 
 TEST(NalRun264, WhatIsNoSampleAtTheEndStaysByItself) {
-    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Facts264(6), Facts264(9)})), (Sizes{10, -20}));
+    EXPECT_EQ(SizesOf(RunOf(false, {Slice(0), Facts264(6), Facts264(9)})), (SignedSizes{10, -20}));
 }
 
 TEST(NalRun264, SlicesMergeIntoARecordThatHoldsAnSei) {
     const NalRun run = RunOf(false, {Facts264(6), Slice(0), Slice(4)});
-    EXPECT_EQ(SizesOf(run), (Sizes{30}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{30}));
     EXPECT_EQ(run.SampleCount(), 1U);
 }
 
@@ -144,7 +144,7 @@ TEST(NalRun264, ARecordOfFourGigabytesIsNotFolded) {
         add(Slice(i, 0, 5, 1, kUnit));
     }
     add(Facts264(6, 700));
-    EXPECT_EQ(SizesOf(run), (Sizes{-500, 6000000000, -700}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{-500, 6000000000, -700}));
     EXPECT_EQ(run.Records().samples[1].offset, 500U);
     EXPECT_EQ(run.Records().samples[1].CopiedBytes(), 1705032704U);
     EXPECT_EQ(run.End(), offset);
@@ -155,7 +155,7 @@ TEST(NalRun265, SetsThenSeiThenSliceMakeTwoCountedSamples) {
         true, {Facts265(kVps), Facts265(kSps), Facts265(kPps), Facts265(kSei), Facts265(19, 1)});
     EXPECT_EQ(run.SampleCount(), 2U);
     EXPECT_EQ(run.Records().recordCount, 4U);
-    EXPECT_EQ(SizesOf(run), (Sizes{20, 30}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{20, 30}));
 }
 
 // The slice goes into the record of the PPS, which is no sample: neither is counted. Kept so.
@@ -164,19 +164,19 @@ TEST(NalRun265, ASliceBehindAPpsIsNoSample) {
         RunOf(true, {Facts265(kVps), Facts265(kSps), Facts265(kPps), Facts265(19, 1)});
     EXPECT_EQ(run.SampleCount(), 1U);
     EXPECT_EQ(run.Records().recordCount, 2U);
-    EXPECT_EQ(SizesOf(run), (Sizes{20, -20}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{20, -20}));
 }
 
 TEST(NalRun265, ASliceBehindVpsOrSpsJoinsIt) {
-    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(kSps), Facts265(19, 1)})), (Sizes{20}));
-    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(kVps), Facts265(19, 1)})), (Sizes{20}));
+    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(kSps), Facts265(19, 1)})), (SignedSizes{20}));
+    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(kVps), Facts265(19, 1)})), (SignedSizes{20}));
 }
 
 TEST(NalRun265, VpsAndSpsFoldInAnyOrder) {
     for (const auto& [a, b] : {std::pair{kVps, kSps}, std::pair{kSps, kVps}, std::pair{kVps, kVps},
                                std::pair{kSps, kSps}}) {
         const NalRun run = RunOf(true, {Facts265(a), Facts265(b)});
-        EXPECT_EQ(SizesOf(run), (Sizes{20}));
+        EXPECT_EQ(SizesOf(run), (SignedSizes{20}));
         EXPECT_EQ(run.SampleCount(), 1U);
     }
 }
@@ -192,13 +192,13 @@ TEST(NalRun265, APpsFoldsIntoAPpsAndNotIntoAnSps) {
 TEST(NalRun265, SlicesOfAPictureFoldOnceAFirstSliceWasSeen) {
     const NalRun run = RunOf(
         true, {Facts265(1, 1), Facts265(1, 0), Facts265(1, 0), Facts265(1, 1), Facts265(1, 0)});
-    EXPECT_EQ(SizesOf(run), (Sizes{30, 20}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{30, 20}));
     EXPECT_EQ(run.SampleCount(), 2U);
 }
 
 TEST(NalRun265, SlicesThatAreNoFirstOnesAreEachASampleUntilAFirstOneCame) {
     const NalRun run = RunOf(true, {Facts265(1, 0), Facts265(1, 0), Facts265(1, 0)});
-    EXPECT_EQ(SizesOf(run), (Sizes{10, 10, 10}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{10, 10, 10}));
     EXPECT_EQ(run.SampleCount(), 3U);
 }
 
@@ -206,24 +206,24 @@ TEST(NalRun265, TheMarkOfAFirstSliceStaysForTheRun) {
     // Behind the SEI a slice of another picture that is no first one: another unit lies between.
     const NalRun run =
         RunOf(true, {Facts265(1, 1), Facts265(kAud), Facts265(1, 0), Facts265(1, 0)});
-    EXPECT_EQ(SizesOf(run), (Sizes{10, 30}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{10, 30}));
 }
 
 // The first slice went into the record of a parameter set, so it set no mark.
 TEST(NalRun265, AFirstSliceThatIsMergedSetsNoMark) {
     const NalRun run = RunOf(true, {Facts265(kSps), Facts265(1, 1), Facts265(1, 0)});
-    EXPECT_EQ(SizesOf(run), (Sizes{20, 10}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{20, 10}));
     EXPECT_EQ(run.SampleCount(), 2U);
 }
 
 TEST(NalRun265, SlicesOfAnotherTypeDoNotFold) {
-    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(1, 1), Facts265(0, 0)})), (Sizes{10, 10}));
+    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(1, 1), Facts265(0, 0)})), (SignedSizes{10, 10}));
 }
 
 TEST(NalRun265, AnUnspecifiedUnitFoldsIntoASliceAndIsElsewhereNoSample) {
-    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(1, 1), Facts265(48)})), (Sizes{20}));
+    EXPECT_EQ(SizesOf(RunOf(true, {Facts265(1, 1), Facts265(48)})), (SignedSizes{20}));
     const NalRun run = RunOf(true, {Facts265(kSei), Facts265(50), Facts265(1, 1)});
-    EXPECT_EQ(SizesOf(run), (Sizes{30}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{30}));
     EXPECT_EQ(run.Records().recordCount, 3U);
     EXPECT_EQ(run.SampleCount(), 1U);
 }
@@ -232,7 +232,7 @@ TEST(NalRun265, AnUnspecifiedUnitFoldsIntoASliceAndIsElsewhereNoSample) {
 TEST(NalRun265, UnitsWithoutANameAreOutputSamplesThatAreNotCounted) {
     const NalRun run = RunOf(true, {Facts265(36), Facts265(63), Facts265(1, 1)});
     EXPECT_EQ(run.SampleCount(), 1U);
-    EXPECT_EQ(SizesOf(run), (Sizes{10, 10, 10}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{10, 10, 10}));
 }
 
 // Walks over bytes.
@@ -277,7 +277,7 @@ TEST(NalWalker, FollowsAChainToTheFirstRefusal) {
     const NalRun run = walked.At(7);
     EXPECT_EQ(run.UnitCount(), 6U);
     EXPECT_EQ(run.SampleCount(), 3U);
-    EXPECT_EQ(SizesOf(run), (Sizes{26, 340, 77}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{26, 340, 77}));
     EXPECT_EQ(run.Records().samples[0].offset, 7U);
     EXPECT_EQ(run.End(), walked.bytes.size() - 60);
     EXPECT_EQ(walked.At(8).UnitCount(), 0U);
@@ -299,7 +299,7 @@ TEST(NalWalker, FollowsAChainInH265) {
     const NalRun run = walked.At(0, true);
     EXPECT_EQ(run.UnitCount(), 9U);
     const auto sps = static_cast<std::int64_t>(SpsUnit265().size());
-    EXPECT_EQ(SizesOf(run), (Sizes{37 + sps, 30 + 30 + 401, 99}));
+    EXPECT_EQ(SizesOf(run), (SignedSizes{37 + sps, 30 + 30 + 401, 99}));
     EXPECT_EQ(run.SampleCount(), 3U);
 }
 

@@ -65,7 +65,7 @@ constexpr HalfTables MakeTables() {
 constexpr HalfTables kTables = MakeTables();
 constexpr std::uint8_t kTagGroups = 0xE0;  // the last three
 
-constexpr std::size_t kLaneSize = 32;
+constexpr std::size_t kVectorSize = 32;
 
 __attribute__((target("avx2"))) __m256i LoadLane(const std::uint8_t* at) noexcept {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
@@ -163,14 +163,14 @@ __attribute__((target("avx2"))) std::size_t StopAmong(const Tables& tables, Byte
             return place;
         }
     }
-    return at + kLaneSize;
+    return at + kVectorSize;
 }
 
 __attribute__((target("avx2"))) std::size_t FindByThirtyTwo(ByteView bytes,
                                                             MarkerStops stops) noexcept {
     const Tables tables = TablesFor(stops);
     // Two registers in a round, for one test of both.
-    constexpr std::size_t kRound = 2 * kLaneSize;
+    constexpr std::size_t kRound = 2 * kVectorSize;
     constexpr std::size_t kLookedAt = kRound + kLetters - 1;
     // The digits of a tag at the first two places stand ahead of the view.
     constexpr std::size_t kFirstPlaces = 2;
@@ -181,15 +181,15 @@ __attribute__((target("avx2"))) std::size_t FindByThirtyTwo(ByteView bytes,
     std::size_t at = std::min(kFirstPlaces, bytes.size());
     for (; bytes.size() - at >= kLookedAt; at += kRound) {
         const __m256i first = GroupsAt(tables, bytes.data() + at);
-        const __m256i second = GroupsAt(tables, bytes.data() + at + kLaneSize);
+        const __m256i second = GroupsAt(tables, bytes.data() + at + kVectorSize);
         const __m256i either = _mm256_or_si256(first, second);
         if (_mm256_testz_si256(either, either) != 0) {
             continue;
         }
         for (const auto& [start, groups] :
-             {std::pair{at, first}, std::pair{at + kLaneSize, second}}) {
+             {std::pair{at, first}, std::pair{at + kVectorSize, second}}) {
             const std::size_t place = StopAmong(tables, bytes, start, groups, stops);
-            if (place < start + kLaneSize) {
+            if (place < start + kVectorSize) {
                 return place;
             }
         }
