@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <exception>
 #include <fmt/format.h>
 #include <type_traits>
 
@@ -29,6 +30,12 @@ ExitStatus Run(const GuiOptions& options) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    const Options options = ParseCommandLine(argumentCount, arguments);
-    return static_cast<int>(std::visit([](const auto& chosen) { return Run(chosen); }, options));
+    try {
+        const Options options = ParseCommandLine(argumentCount, arguments);
+        return static_cast<int>(
+            std::visit([](const auto& chosen) { return Run(chosen); }, options));
+    } catch (const std::exception& error) {  // for want of memory, say
+        std::fprintf(stderr, "clipfix: %s\n", error.what());
+        return static_cast<int>(ExitStatus::FileOrDiskFailed);
+    }
 }

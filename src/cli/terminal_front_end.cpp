@@ -1,5 +1,6 @@
 #include "cli/terminal_front_end.h"
 
+#include <cmath>
 #include <cstdio>
 #include <fmt/format.h>
 
@@ -17,7 +18,7 @@ std::string Bar(int percent) {
 }
 
 std::string Duration(double seconds) {
-    const auto whole = static_cast<std::int64_t>(seconds + 0.5);
+    const auto whole = std::llround(seconds);
     return whole >= 3600 ? fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60)
                          : fmt::format("{}:{:02}", whole / 60, whole % 60);
 }

@@ -21,10 +21,8 @@ namespace clipfix {
 
 namespace {
 
-constexpr double kStep = 5;      // seconds of one step of the buttons
 constexpr double kTicks = 1000;  // the seek bar counts thousandths of a second
 constexpr int kStepTicks = 5000;
-constexpr int kVolumeStep = 5;
 constexpr int kVolumeWidth = 96;
 constexpr int kNarrow = 560;       // below this the volume's slider gives up its place
 constexpr int kLowVolume = 50;     // percent

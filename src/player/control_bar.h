@@ -11,6 +11,10 @@ class GlyphButton;
 class PlayerTexts;
 class TrackSlider;
 
+// What one press of a button or a key moves.
+inline constexpr double kStep = 5;     // seconds
+inline constexpr int kVolumeStep = 5;  // percent
+
 // All that the person works the player with: the seek bar with the times, the name of the video,
 // the buttons, the volume. It knows nothing of the engine: it shows what it is told, and tells
 // what is wanted.

@@ -23,7 +23,6 @@ constexpr double kPartOfScreen = 0.75;  // that the picture takes at most
 constexpr int kIdleMilliseconds = 2500;
 constexpr int kCardWidth = 880;  // of the bar over a full screen, at most
 constexpr int kCardMargin = 24;
-constexpr int kVolumeStep = 5;  // percent
 
 const PlayerText& ReasonOf(PlaybackFailure failure) {
     switch (failure) {

@@ -1,15 +1,14 @@
 #include <QKeyEvent>
 
+#include "player/control_bar.h"
 #include "player/player_window.h"
 
 namespace clipfix {
 
 namespace {
 
-constexpr double kStep = 5;        // seconds
 constexpr double kSmallStep = 1;   // with Shift
 constexpr double kLargeStep = 60;  // Page Up, Page Down
-constexpr int kVolumeStep = 5;     // percent
 constexpr double kTenths = 10;
 
 }  // namespace

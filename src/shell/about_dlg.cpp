@@ -20,7 +20,6 @@ constexpr int kWidth = 600;
 constexpr int kMargin = 28;
 constexpr int kMarkSide = 72;
 constexpr int kNameHeight = 34;
-constexpr int kTextHeight = 20;
 constexpr int kTableHeight = 18;
 constexpr int kTableGap = 28;  // between a component and its licence
 
@@ -54,19 +53,19 @@ CAboutDlg::CAboutDlg(const Texts& texts, QWidget* parent)
     column->addWidget(MakeText(QStringLiteral("Kelvo Clipfix"), kNameHeight, skin::kEmphasisFace));
     auto* version = MakeText(
         WordOf(texts, "IDS_VERSION_TEXT") + QLatin1Char(' ') + QStringLiteral(CLIPFIX_VERSION),
-        kTextHeight, skin::kFace);
+        skin::kTextHeight, skin::kFace);
     version->SetTextColour(skin::kQuietText);
     column->addWidget(version);
     for (const char* key : {"IDS_ABOUT_PURPOSE", "IDS_ABOUT_LICENCE"}) {
-        column->addSpacing(kTextHeight / 2);
-        column->addWidget(MakeText(WordOf(texts, key), kTextHeight, skin::kFace));
+        column->addSpacing(skin::kTextHeight / 2);
+        column->addWidget(MakeText(WordOf(texts, key), skin::kTextHeight, skin::kFace));
     }
-    column->addSpacing(kTextHeight);
+    column->addSpacing(skin::kTextHeight);
     column->addWidget(
-        MakeText(WordOf(texts, "IDS_ABOUT_COMPONENTS"), kTextHeight, skin::kEmphasisFace));
-    column->addSpacing(kTextHeight / 4);
+        MakeText(WordOf(texts, "IDS_ABOUT_COMPONENTS"), skin::kTextHeight, skin::kEmphasisFace));
+    column->addSpacing(skin::kTextHeight / 4);
     column->addLayout(MakeTable());
-    column->addSpacing(kTextHeight);
+    column->addSpacing(skin::kTextHeight);
     column->addLayout(MakeButtonRow(WordOf(texts, "IDS_OK")));
     setFixedSize(kWidth, column->totalHeightForWidth(kWidth));
 }

@@ -8,7 +8,8 @@ namespace clipfix {
 
 namespace {
 
-void Invoke(QObject& receiver, const std::function<void()>& work, Qt::ConnectionType type) {
+void Invoke([[maybe_unused]] QObject& receiver, [[maybe_unused]] const std::function<void()>& work,
+            [[maybe_unused]] Qt::ConnectionType type) {
     // The analyser cannot see that the toolkit frees what it makes of the function.
 #ifndef __clang_analyzer__
     QMetaObject::invokeMethod(&receiver, work, type);

@@ -24,9 +24,7 @@ constexpr std::array kLinkFormKeys{"IDS_UNHEALTHY_1", "IDS_MOVERROR1", "IDS_MOVE
                                    "IDS_MOVERROR3",   "IDS_MOVERROR4", "IDS_AVIERROR1",
                                    "IDS_AVIERROR2",   "IDS_AVIERROR3", "IDS_AVIERROR5"};
 constexpr int kTitleHeight = 35;
-constexpr int kTextHeight = 20;
 constexpr int kNoSpaceKind = 5;
-constexpr int kFrameWidth = 4;
 
 }  // namespace
 
@@ -88,19 +86,19 @@ CXStatic* CMessageDlg::MakeText(int id, const QString& words, int height) {
 void CMessageDlg::MakeTexts() {
     titleText_ = MakeText(kTitleText, title_, kTitleHeight);
     titleText_->setWordWrap(false);
-    messageText_ = MakeText(kMessageText, text_, kTextHeight);
+    messageText_ = MakeText(kMessageText, text_, skin::kTextHeight);
     if (TextAsksForLink()) {
         link_ = MakeChild<CHyperLink>(kLink, this);
         link_->SetFace(skin::DialogFace(state_->g_bMajorVersion6 == 1));
-        link_->SetHeight(kTextHeight);
+        link_->SetHeight(skin::kTextHeight);
         link_->SetColours(skin::kLink, skin::kLink, skin::kLink);
         link_->SetBackground(skin::kSectionCentre);
         link_->setText(WordOf("IDS_CLICK_HERE"));
         connect(link_, &CHyperLink::clicked, this, [this] { OnCommand(kLink); });
-        secondText_ = MakeText(kSecondText, WordOf("IDS_CLICK_HERE_1"), kTextHeight);
-        belowLinkText_ = MakeText(kBelowLinkText, WordOf("IDS_CLICK_HERE_2"), kTextHeight);
+        secondText_ = MakeText(kSecondText, WordOf("IDS_CLICK_HERE_1"), skin::kTextHeight);
+        belowLinkText_ = MakeText(kBelowLinkText, WordOf("IDS_CLICK_HERE_2"), skin::kTextHeight);
     } else if (kind_ == kNoSpaceKind) {
-        secondText_ = MakeText(kSecondText, WordOf("IDS_ERROR10"), kTextHeight);
+        secondText_ = MakeText(kSecondText, WordOf("IDS_ERROR10"), skin::kTextHeight);
     }
 }
 
@@ -121,7 +119,7 @@ void CMessageDlg::Arrange() {
     setFixedSize(layout_.window);
     titleText_->setGeometry(layout_.title);
     titleText_->setFont(skin::FontThatFits(titleText_->Face(), kTitleHeight, title_,
-                                           layout_.title.width(), kTextHeight));
+                                           layout_.title.width(), skin::kTextHeight));
     messageText_->setGeometry(layout_.text);
     if (link_ != nullptr) {
         const QRect line(layout_.link.topLeft(),
@@ -197,10 +195,11 @@ void CMessageDlg::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(rect(), skin::Colour(skin::kSectionCentre));
     painter.fillRect(layout_.topBand, skin::Colour(skin::kBand));
     painter.fillRect(layout_.bottomBand, skin::Colour(skin::kBand));
-    painter.setPen(
-        QPen(skin::Colour(skin::kFrame), kFrameWidth, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    painter.drawRect(QRectF(rect()).adjusted(kFrameWidth / 2.0, kFrameWidth / 2.0,
-                                             -kFrameWidth / 2.0, -kFrameWidth / 2.0));
+    painter.setPen(QPen(skin::Colour(skin::kFrame), MessageLayout::kFrameWidth, Qt::SolidLine,
+                        Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(QRectF(rect()).adjusted(
+        MessageLayout::kFrameWidth / 2.0, MessageLayout::kFrameWidth / 2.0,
+        -MessageLayout::kFrameWidth / 2.0, -MessageLayout::kFrameWidth / 2.0));
     const int picture = IsQuestion() ? skin::kQuestionPicture : skin::kInformationPicture;
     painter.drawPixmap(layout_.picture.topLeft(),
                        skin::Picture(picture, layout_.picture.size(), devicePixelRatioF()));

@@ -8,7 +8,6 @@ namespace {
 
 constexpr int kWidth = 530;
 constexpr int kHeight = 270;
-constexpr int kFrameWidth = 4;
 constexpr int kTopBandEnd = 40;
 constexpr int kBottomBandStart = 207;
 constexpr int kColumnLeft = 125;
@@ -65,9 +64,11 @@ MessageLayout MessageLayout::Of(const Needs& needs) {
 
     const int growth = std::max(0, textEnd - kLowestText);
     at.window = QSize(kWidth, kHeight + growth);
-    at.topBand = FromEdges(kFrameWidth, kFrameWidth, kWidth - kFrameWidth, kTopBandEnd);
-    at.bottomBand = FromEdges(kFrameWidth, kBottomBandStart + growth, kWidth - kFrameWidth,
-                              kHeight + growth - kFrameWidth);
+    at.topBand = FromEdges(MessageLayout::kFrameWidth, MessageLayout::kFrameWidth,
+                           kWidth - MessageLayout::kFrameWidth, kTopBandEnd);
+    at.bottomBand = FromEdges(MessageLayout::kFrameWidth, kBottomBandStart + growth,
+                              kWidth - MessageLayout::kFrameWidth,
+                              kHeight + growth - MessageLayout::kFrameWidth);
     at.leftButton = FromEdges(228, 217 + growth, 349, 252 + growth);
     at.rightButton = FromEdges(372, 217 + growth, 493, 252 + growth);
     return at;

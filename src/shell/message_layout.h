@@ -33,6 +33,7 @@ struct MessageLayout {
     QRect leftButton;   // 228 to 349
     QRect rightButton;  // 372 to 493
 
+    static constexpr int kFrameWidth = 4;
     static constexpr int kTextColumnWidth = 395;  // 125 to 520
     // The width that is left for the text beside a link of `linkWidth`.
     [[nodiscard]] static int BesideLinkWidth(int linkWidth);

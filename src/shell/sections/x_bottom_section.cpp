@@ -17,7 +17,6 @@ constexpr int kGap = 12;
 constexpr int kButtonHeight = 38;
 constexpr int kLeastButtonWidth = 132;
 constexpr int kLine = 24;
-constexpr int kTextHeight = 20;
 constexpr int kSmallestText = 14;
 
 }  // namespace
@@ -112,8 +111,9 @@ void CXBottomSection::ArrangeTexts(int textWidth) {
         if (label->isHidden()) {
             continue;
         }
-        label->setFont(skin::FontThatFits(label->Face(), kTextHeight, label->text(), textWidth,
-                                          shown == 1 ? kTextHeight : kSmallestText));
+        label->setFont(skin::FontThatFits(label->Face(), skin::kTextHeight, label->text(),
+                                          textWidth,
+                                          shown == 1 ? skin::kTextHeight : kSmallestText));
         label->setWordWrap(shown == 1);
         label->setGeometry(kTextMargin, top, textWidth, line);
         top += line;

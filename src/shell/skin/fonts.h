@@ -9,6 +9,7 @@ namespace clipfix::skin {
 
 // Names of the faces as the window asks for them.
 inline constexpr const char* kFace = "Segoe UI";
+inline constexpr int kTextHeight = 20;  // of a line that is read, in logical pixels
 inline constexpr const char* kEmphasisFace = "Segoe UI Semibold";
 inline constexpr const char* kOlderDialogFace = "Trebuchet MS";
 
