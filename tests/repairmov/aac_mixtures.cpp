@@ -1,5 +1,6 @@
 #include "repairmov/aac_mixtures.h"
 
+#include "repairmov/aac_elements.h"
 #include "support/bit_writer.h"
 #include "support/media_tools.h"
 #include "support/temp_folder.h"
@@ -8,10 +9,6 @@ namespace clipfix::test {
 
 namespace {
 
-constexpr unsigned kData = 4;
-constexpr unsigned kConfiguration = 5;
-constexpr unsigned kFilling = 6;
-constexpr unsigned kEnd = 7;
 constexpr unsigned kReplicationType = 13;
 
 void AppendRandomBits(BitWriter& bits, Random& random, unsigned count) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "aac_elements.h"
 #include "small_movies.h"
 #include "support/random.h"
 
@@ -20,14 +21,6 @@ AacDecoder::Answer Frame() {
 ByteVector Starting(unsigned element, std::uint8_t rest = 0x04) {
     return {static_cast<std::uint8_t>((element << 5U) | rest), 0x10, 0x04, 0x60, 0x8C, 0x1C};
 }
-constexpr unsigned kSingle = 0;
-constexpr unsigned kPair = 1;
-constexpr unsigned kCoupling = 2;
-constexpr unsigned kEffects = 3;
-constexpr unsigned kData = 4;
-constexpr unsigned kConfiguration = 5;
-constexpr unsigned kFilling = 6;
-constexpr unsigned kEnd = 7;
 
 class AacRefusalsTest : public testing::Test {
   protected:
