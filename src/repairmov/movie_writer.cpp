@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "atoms/moov_sink.h"
+#include "platform/flush_ahead.h"
 #include "platform/range_copier.h"
 
 namespace clipfix {
@@ -83,18 +84,16 @@ DataForkWriter::Outcome DataForkWriter::CopyInOneGo(const ChunkList& chunks,
     platform::RangeCopier copier(file_, reader_, output_, kHeadSize);
     std::uint64_t gathered = 0;
     std::uint64_t safeEnd = kHeadSize;
-    std::uint64_t begunEnd = kHeadSize;
+    // The movie is flushed at its end; what stands already can go to the medium meanwhile.
+    platform::FlushAhead flushAhead(output_, kHeadSize);
     const auto finish = [&]() -> Outcome {
         gathered = 0;
         if (const auto done = copier.Finish(); !done) {
             NoteWriteFailure(job_.state, done.Failure());
             return Outcome::Failed;
         }
-        // The movie is flushed at its end; what stands already can go to the medium meanwhile.
-        const std::uint64_t end = copier.End();
-        output_.BeginFlush(begunEnd, end - begunEnd);
-        begunEnd = end;
-        job_.state.g_liOutputSize = static_cast<std::int64_t>(end);
+        flushAhead.UpTo(copier.End());
+        job_.state.g_liOutputSize = static_cast<std::int64_t>(copier.End());
         return progress_.MayGoOn() ? Outcome::Done : Outcome::Left;
     };
     for (std::size_t i = 0; i < chunks.size(); ++i) {
