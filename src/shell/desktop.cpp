@@ -5,10 +5,12 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QMessageBox>
 #include <QProcess>
-#include <QPushButton>
+#include <QSplitter>
 #include <QStandardPaths>
+#include <QTreeView>
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -75,6 +77,18 @@ QString ToolkitFilter(const QString& filter) {
            patterns + QLatin1Char(')');
 }
 
+void MakeRoom(QFileDialog& dialog) {
+    dialog.resize(860, 540);
+    auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+    auto* places = dialog.findChild<QSplitter*>(QStringLiteral("splitter"));
+    if (list == nullptr || places == nullptr) {
+        return;  // the desktop has a file dialog of its own
+    }
+    list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    places->setSizes({160, 700});
+}
+
 QString SystemDesktop::FirstFolder() const {
     if (!lastFolder_.isEmpty() && QDir(lastFolder_).exists()) {
         return lastFolder_;
@@ -88,6 +102,7 @@ std::optional<std::string> SystemDesktop::AskFileToOpen(QWidget* parent, const Q
     QFileDialog dialog(parent, title, FirstFolder(), ToolkitFilter(filter));
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
+    MakeRoom(dialog);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return std::nullopt;
     }
@@ -103,6 +118,7 @@ std::optional<std::string> SystemDesktop::AskFileToSave(QWidget* parent, const Q
     QFileDialog dialog(parent, title, FirstFolder(), ToolkitFilter(filter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
+    MakeRoom(dialog);
     dialog.setDefaultSuffix(
         QString::fromStdString(request.defaultExtension).section(QLatin1Char('.'), -1));
     dialog.selectFile(QString::fromStdString(request.name));
@@ -142,7 +158,6 @@ void SystemDesktop::ShowBox(QWidget* parent, const QString& text, const QString&
     QMessageBox box(icon == BoxIcon::Stop ? QMessageBox::Critical : QMessageBox::Information, title,
                     text, QMessageBox::Ok, parent);
     box.setTextFormat(Qt::PlainText);
-    box.button(QMessageBox::Ok)->setIcon(QIcon());
     (void)box.exec();
 }
 

@@ -10,6 +10,8 @@
 
 class QWidget;
 
+class QFileDialog;
+
 namespace clipfix {
 
 // How a start of another program or page ended, as the codes of the failed-start texts. Above 32 it
@@ -53,6 +55,9 @@ class Desktop {
     virtual void ClosePlayer() = 0;
     virtual void SendFileToPlayer(const std::string& path) = 0;
 };
+
+// Gives the toolkit's own file dialog room for the columns of its list.
+void MakeRoom(QFileDialog& dialog);
 
 class SystemDesktop final : public Desktop {
   public:

@@ -1,7 +1,6 @@
 #include "shell/desktop_start_up.h"
 
 #include <QMessageBox>
-#include <QPushButton>
 #include <iostream>
 #include <system_error>
 #include <utility>
@@ -123,7 +122,6 @@ QString DesktopStartUp::Text(const char* key) {
 void DesktopStartUp::ShowBox(const QString& text, const QString& title, BoxIcon icon) {
     QMessageBox box(icon == BoxIcon::Information ? QMessageBox::Information : QMessageBox::NoIcon,
                     title, text, QMessageBox::Ok);
-    box.button(QMessageBox::Ok)->setIcon(QIcon());
     (void)box.exec();
 }
 

@@ -1,5 +1,6 @@
 #include <QAccessible>
 #include <QApplication>
+#include <QFocusEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <memory>
@@ -139,6 +140,33 @@ class ControlsTest : public QObject {
         QVERIFY(second.grab().toImage() != bare);
         QTest::keyClick(&second, Qt::Key_Backtab);
         QVERIFY(first.ShowsFocus());
+    }
+
+    // A window that comes to the front shows the mark only where it stood before, so that it does
+    // not open with one.
+    void FocusThatTheWindowGivesBackIsShownAsBefore() {
+        CXCmdBtn button(333, nullptr);
+        const auto give = [&](Qt::FocusReason reason) {
+            QFocusEvent focus(QEvent::FocusIn, reason);
+            QApplication::sendEvent(&button, &focus);
+        };
+        for (const bool before : {false, true}) {
+            QVERIFY(ControlButton::ShowsFocusFor(Qt::ActiveWindowFocusReason, before) == before);
+            QVERIFY(ControlButton::ShowsFocusFor(Qt::PopupFocusReason, before) == before);
+            QVERIFY(ControlButton::ShowsFocusFor(Qt::TabFocusReason, before));
+            QVERIFY(ControlButton::ShowsFocusFor(Qt::OtherFocusReason, before));
+            QVERIFY(!ControlButton::ShowsFocusFor(Qt::MouseFocusReason, before));
+        }
+        button.resize(121, 35);
+        button.show();
+        button.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&button));
+        button.setFocus(Qt::MouseFocusReason);
+        give(Qt::ActiveWindowFocusReason);
+        QVERIFY(!button.ShowsFocus());
+        give(Qt::TabFocusReason);
+        give(Qt::ActiveWindowFocusReason);
+        QVERIFY(button.ShowsFocus());
     }
 
     void APictureButtonTakesTheNextPictureUnderTheMouse() {

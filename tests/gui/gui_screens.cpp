@@ -232,6 +232,7 @@ class Screens {
         QFileDialog files(rig.frame.get(), texts_.Word("IDS_SELECT_VIDEO"), rig.work.path(),
                           ToolkitFilter(QString::fromLatin1(kVideoFilter)));
         files.setOption(QFileDialog::DontUseNativeDialog);
+        MakeRoom(files);
         files.show();
         QTest::qWait(300);
         Save(files, QStringLiteral("77-file-dialog"));

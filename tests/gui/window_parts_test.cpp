@@ -2,8 +2,11 @@
 // interface thread.
 
 #include <QApplication>
+#include <QFileDialog>
+#include <QHeaderView>
 #include <QTemporaryFile>
 #include <QTest>
+#include <QTreeView>
 #include <array>
 #include <atomic>
 #include <thread>
@@ -112,6 +115,16 @@ class WindowPartsTest : public QObject {
         texts.Use("German");
         texts.Use("Klingon");
         QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Cancel"));
+    }
+
+    void TheToolkitsFileDialogHasRoomForItsColumns() {
+        QFileDialog dialog;
+        dialog.setOption(QFileDialog::DontUseNativeDialog);
+        MakeRoom(dialog);
+        const auto* header = dialog.findChild<QTreeView*>()->header();
+        QCOMPARE(header->sectionResizeMode(0), QHeaderView::Stretch);
+        QCOMPARE(header->sectionResizeMode(3), QHeaderView::ResizeToContents);
+        QVERIFY(dialog.width() >= 800);
     }
 
     void EachCodeOfAFailedStartHasItsText() {

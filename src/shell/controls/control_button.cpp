@@ -24,6 +24,11 @@ ControlButton::Look ControlButton::CurrentLook() const {
     return hovered_ ? Look::Hover : Look::Normal;
 }
 
+bool ControlButton::ShowsFocusFor(Qt::FocusReason reason, bool before) {
+    const bool givenBack = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+    return givenBack ? before : reason != Qt::MouseFocusReason;
+}
+
 void ControlButton::enterEvent(QEnterEvent* event) {
     hovered_ = true;
     update();
@@ -43,7 +48,7 @@ void ControlButton::hideEvent(QHideEvent* event) {
 }
 
 void ControlButton::focusInEvent(QFocusEvent* event) {
-    focusShown_ = event->reason() != Qt::MouseFocusReason;
+    focusShown_ = ShowsFocusFor(event->reason(), focusShown_);
     QPushButton::focusInEvent(event);
 }
 

@@ -19,6 +19,10 @@ class ControlButton : public QPushButton {
     [[nodiscard]] Look CurrentLook() const;
     [[nodiscard]] bool ShowsFocus() const { return focusShown_ && hasFocus(); }
 
+    // Whether a control that gets the keyboard for this reason shows that it has it: not when a
+    // click gave it, and as before when the window or a menu gives it back.
+    [[nodiscard]] static bool ShowsFocusFor(Qt::FocusReason reason, bool before);
+
   protected:
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;

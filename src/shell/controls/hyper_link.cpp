@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 
+#include "shell/controls/control_button.h"
 #include "shell/skin/fonts.h"
 #include "shell/skin/pictures.h"
 
@@ -101,7 +102,7 @@ void CHyperLink::leaveEvent(QEvent* event) {
 }
 
 void CHyperLink::focusInEvent(QFocusEvent* event) {
-    focusShown_ = event->reason() != Qt::MouseFocusReason;
+    focusShown_ = ControlButton::ShowsFocusFor(event->reason(), focusShown_);
     QAbstractButton::focusInEvent(event);
 }
 

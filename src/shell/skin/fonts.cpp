@@ -5,8 +5,9 @@
 #include <QFontMetrics>
 #include <QFontMetricsF>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
 #include <cmath>
+#include <memory>
 
 #include "shell/skin/palette.h"
 
@@ -22,6 +23,18 @@ bool IsInstalled(const QString& family) {
     static const QStringList kFamilies = QFontDatabase::families();
     return kFamilies.contains(family, Qt::CaseInsensitive);
 }
+
+// The buttons of the toolkit's own windows bear words alone, as those of the program do.
+class PlainStyle final : public QProxyStyle {
+  public:
+    PlainStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+                   ? 0
+                   : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
 
 // The family and weight that stand for a face on this system.
 QFont FontOfFace(const QString& face) {
@@ -67,7 +80,7 @@ QFont FontThatFits(const QString& face, int height, const QString& text, int wid
 }
 
 void ApplyLook(QApplication& application) {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(std::make_unique<PlainStyle>().release());
     QPalette palette;
     palette.setColor(QPalette::Window, Colour(kSectionTop));
     palette.setColor(QPalette::WindowText, Colour(kText));
