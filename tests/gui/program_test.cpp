@@ -88,6 +88,7 @@ class ProgramTest : public QObject {
         QVERIFY(QDir().mkpath(CrashFolder()));
         const auto program = Start();
         QVERIFY(IsUp());
+        const qint64 pid = program->processId();
         Send(*program, SIGSEGV);
         QVERIFY(program->waitForFinished(20000));
         QCOMPARE(program->exitStatus(), QProcess::CrashExit);
@@ -95,7 +96,14 @@ class ProgramTest : public QObject {
         QVERIFY(crash.open(QIODevice::ReadOnly));
         const QByteArray text = crash.readAll();
         QVERIFY(text.startsWith("Kelvo Clipfix " CLIPFIX_VERSION "\nSignal: 11 (SIGSEGV"));
-        QVERIFY(text.contains("main"));
+        QVERIFY(text.contains("\nAddress: 0x"));
+        QVERIFY(text.contains("\nProcess: " + QByteArray::number(pid) + "\n"));
+        // The thread that runs the window has the number of the process.
+        QVERIFY(text.contains("\nThread: " + QByteArray::number(pid) + "\n"));
+        QVERIFY(text.contains("\nBacktrace:\n"));
+        QVERIFY(text.contains("kelvo-clipfix(main+"));
+        QVERIFY(text.contains("libQt6Widgets"));
+        QVERIFY(text.contains("\nMemory map:\n"));
     }
 
     void ACrashWithoutTheFolderLeavesNothing() {
