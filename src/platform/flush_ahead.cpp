@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <system_error>
 
+#include "platform/crash_file.h"
+
 namespace clipfix::platform {
 
 namespace {
@@ -40,6 +42,7 @@ void FlushAhead::UpTo(std::uint64_t end) {
 }
 
 void FlushAhead::Work() {
+    const CrashStack crashStack;
     std::unique_lock lock(mutex_);
     while (true) {
         changed_.wait(lock, [this] { return isClosing_ || end_ > begun_; });
