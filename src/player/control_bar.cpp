@@ -78,7 +78,7 @@ void ControlBar::MakeParts() {
 
     mute_ = new GlyphButton(Glyph::SoundOn, Style::Plain, this);
     volume_ = new TrackSlider(this);
-    volume_->setRange(0, 100);
+    volume_->SetEnd(100);
     volume_->setSingleStep(kVolumeStep);
     volume_->setFixedWidth(kVolumeWidth);
     volume_->setAccessibleName(texts_->Word(player_text::kVolume));
@@ -91,7 +91,7 @@ void ControlBar::ConnectParts() {
     connect(forward_, &GlyphButton::clicked, this, [this] { Q_EMIT StepWanted(kStep); });
     connect(mute_, &GlyphButton::clicked, this, &ControlBar::MutePressed);
     connect(fullScreen_, &GlyphButton::clicked, this, &ControlBar::FullScreenPressed);
-    connect(volume_, &TrackSlider::Chosen, this, [this](int value) { Q_EMIT VolumeWanted(value); });
+    connect(volume_, &TrackSlider::Chosen, this, &ControlBar::VolumeWanted);
     connect(seek_, &TrackSlider::Chosen, this, [this](int value) {
         ShowTimes(value / kTicks);
         Q_EMIT PositionWanted(value / kTicks);
@@ -176,7 +176,7 @@ void ControlBar::ShowPosition(double seconds) {
 
 void ControlBar::ShowDuration(double seconds) {
     duration_ = seconds;
-    seek_->setRange(0, Ticks(seconds));
+    seek_->SetEnd(Ticks(seconds));
     whole_->setText(TimeText(seconds, seconds));
     // Room for the longest time, so that nothing moves while it plays.
     const QString widest = TimeText(seconds, seconds).replace(QLatin1Char('1'), QLatin1Char('0'));

@@ -21,12 +21,26 @@ TrackSlider::TrackSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
     setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
     setFixedHeight(kHeight);
+    // By whatever way a person chooses: the mouse, the keys, an assistive tool.
+    connect(this, &QSlider::valueChanged, this, [this](int value) {
+        if (!following_) {
+            Q_EMIT Chosen(value);
+        }
+    });
 }
 
 void TrackSlider::Follow(int value) {
-    if (!isSliderDown() && value != this->value()) {
+    if (!isSliderDown()) {
+        following_ = true;
         setValue(value);
+        following_ = false;
     }
+}
+
+void TrackSlider::SetEnd(int end) {
+    following_ = true;
+    setRange(0, end);
+    following_ = false;
 }
 
 QSize TrackSlider::sizeHint() const {
@@ -89,20 +103,14 @@ void TrackSlider::mousePressEvent(QMouseEvent* event) {
     }
     setSliderDown(true);
     setSliderPosition(ValueAt(event->position().x()));
-    Q_EMIT Chosen(sliderPosition(), false);
     update();
 }
 
 void TrackSlider::mouseMoveEvent(QMouseEvent* event) {
     const qreal x = std::clamp(event->position().x(), 0.0, static_cast<qreal>(width()));
     Q_EMIT Hovered(ValueAt(x), static_cast<int>(x));
-    if (!isSliderDown()) {
-        return;
-    }
-    const int value = ValueAt(x);
-    if (value != sliderPosition()) {
-        setSliderPosition(value);
-        Q_EMIT Chosen(value, false);
+    if (isSliderDown()) {
+        setSliderPosition(ValueAt(x));
     }
 }
 
@@ -112,27 +120,22 @@ void TrackSlider::mouseReleaseEvent(QMouseEvent* event) {
         return;
     }
     setSliderDown(false);
-    Q_EMIT Chosen(value(), true);
     update();
 }
 
 void TrackSlider::keyPressEvent(QKeyEvent* event) {
-    const int before = value();
     switch (event->key()) {
         case Qt::Key_Left:
         case Qt::Key_Down:
-            setValue(before - singleStep());
+            setValue(value() - singleStep());
             break;
         case Qt::Key_Right:
         case Qt::Key_Up:
-            setValue(before + singleStep());
+            setValue(value() + singleStep());
             break;
         default:
             event->ignore();
-            return;
-    }
-    if (value() != before) {
-        Q_EMIT Chosen(value(), true);
+            break;
     }
 }
 

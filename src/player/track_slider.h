@@ -15,6 +15,8 @@ class TrackSlider : public QSlider {
 
     // Follows the position, unless the person is holding the handle.
     void Follow(int value);
+    // Sets the range to [0, end]; a value that no longer fits follows.
+    void SetEnd(int end);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -23,8 +25,8 @@ class TrackSlider : public QSlider {
     [[nodiscard]] int ValueAt(qreal x) const;
 
   Q_SIGNALS:
-    // The person has chosen a value; `final` is false while the handle is being dragged.
-    void Chosen(int value, bool final);
+    // The person has chosen a value. Comes again and again while the handle is dragged.
+    void Chosen(int value);
     // The mouse is over the value, or has left (-1).
     void Hovered(int value, int x);
 
@@ -41,6 +43,8 @@ class TrackSlider : public QSlider {
   private:
     [[nodiscard]] QRectF Groove() const;
     [[nodiscard]] qreal PlaceOf(int value) const;
+
+    bool following_ = false;  // the value is being set by the player and not by the person
 };
 
 }  // namespace clipfix
