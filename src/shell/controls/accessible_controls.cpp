@@ -63,6 +63,10 @@ QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
     if (className == QLatin1String("clipfix::CXProgressBar")) {
         return new AccessibleBar(static_cast<CXProgressBar*>(object));
     }
+    if (className == QLatin1String("clipfix::CMainFrame")) {
+        // A plain widget would count as a part of some window, also where it is one itself.
+        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Window);
+    }
     if (className == QLatin1String("clipfix::CPictureEx")) {
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Animation);
     }
