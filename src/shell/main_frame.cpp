@@ -6,7 +6,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
-#include <QWindow>
 #include <array>
 #include <utility>
 
@@ -227,10 +226,15 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
 }
 
 void CMainFrame::mousePressEvent(QMouseEvent* event) {
-    const bool onBar = event->position().y() < kTitleBarHeight;
-    if (event->button() == Qt::LeftButton && onBar && !maximised_ && windowHandle() != nullptr) {
-        (void)windowHandle()->startSystemMove();
-    }
+    drag_.Press(*event, event->position().y() < kTitleBarHeight && !maximised_);
+}
+
+void CMainFrame::mouseMoveEvent(QMouseEvent* event) {
+    drag_.Move(*event, *this);
+}
+
+void CMainFrame::mouseReleaseEvent(QMouseEvent* /*event*/) {
+    drag_.Release();
 }
 
 void CMainFrame::mouseDoubleClickEvent(QMouseEvent* event) {

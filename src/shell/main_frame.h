@@ -10,6 +10,7 @@
 #include "job/driver/real_engines.h"
 #include "job/state/job_control.h"
 #include "job/state/job_state.h"
+#include "shell/controls/bar_drag.h"
 #include "shell/controls/button_st.h"
 #include "shell/desktop.h"
 #include "shell/sections/x_bottom_section.h"
@@ -114,6 +115,8 @@ class CMainFrame : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -164,6 +167,7 @@ class CMainFrame : public QWidget {
     QTimer pageChanged_;
     QWidget* nextStep_ = nullptr;  // compared only; the control that had the keyboard last
     bool keyboardWasUsed_ = false;
+    BarDrag drag_;
     bool maximised_ = false;
 };
 

@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QWindow>
 #include <algorithm>
 #include <array>
 
@@ -220,10 +219,15 @@ void CMessageDlg::keyPressEvent(QKeyEvent* event) {
 
 void CMessageDlg::mousePressEvent(QMouseEvent* event) {
     // There is no caption bar: the upper band moves the window.
-    if (event->button() == Qt::LeftButton && layout_.topBand.contains(event->pos()) &&
-        windowHandle() != nullptr) {
-        (void)windowHandle()->startSystemMove();
-    }
+    drag_.Press(*event, layout_.topBand.contains(event->pos()));
+}
+
+void CMessageDlg::mouseMoveEvent(QMouseEvent* event) {
+    drag_.Move(*event, *this);
+}
+
+void CMessageDlg::mouseReleaseEvent(QMouseEvent* /*event*/) {
+    drag_.Release();
 }
 
 void CMessageDlg::showEvent(QShowEvent* event) {

@@ -4,6 +4,7 @@
 #include <QUrl>
 
 #include "job/state/job_state.h"
+#include "shell/controls/bar_drag.h"
 #include "shell/controls/button_st.h"
 #include "shell/controls/hyper_link.h"
 #include "shell/controls/x_cmd_btn.h"
@@ -58,6 +59,8 @@ class CMessageDlg : public QDialog {
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
   private:
@@ -79,6 +82,7 @@ class CMessageDlg : public QDialog {
     QString firstLabel_;
     QString secondLabel_;
     MessageLayout layout_;
+    BarDrag drag_;
     CXStatic* titleText_ = nullptr;
     CXStatic* messageText_ = nullptr;
     CXStatic* secondText_ = nullptr;
