@@ -1,0 +1,55 @@
+// A small window at the bottom of the screen that shows a file as a folder does, so that it can be
+// dragged onto another window. Ends with 0 once the file was taken, with 1 where it was refused.
+//
+//     file_to_drag FILE
+
+#include <QApplication>
+#include <QDrag>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QUrl>
+#include <memory>
+
+namespace {
+
+constexpr int kTaken = 0;
+constexpr int kRefused = 1;
+
+class FileToDrag : public QLabel {
+  public:
+    explicit FileToDrag(const QString& file)
+        : QLabel(QFileInfo(file).fileName()), file_(file) {
+        setWindowFlag(Qt::FramelessWindowHint);
+        setMargin(12);
+        adjustSize();
+        move(screen()->availableGeometry().bottomLeft() - QPoint(0, height()));
+    }
+
+  protected:
+    void mouseMoveEvent(QMouseEvent* event) override {
+        if (!event->buttons().testFlag(Qt::LeftButton)) {
+            return;
+        }
+        auto data = std::make_unique<QMimeData>();
+        data->setUrls({QUrl::fromLocalFile(QFileInfo(file_).absoluteFilePath())});
+        auto* drag = std::make_unique<QDrag>(this).release();  // deletes itself
+        drag->setMimeData(data.release());
+        const Qt::DropAction action = drag->exec(Qt::CopyAction);
+        QApplication::exit(action == Qt::CopyAction ? kTaken : kRefused);
+    }
+
+  private:
+    QString file_;
+};
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    QApplication application(argc, argv);
+    FileToDrag file(QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
+    file.show();
+    return QApplication::exec();
+}
