@@ -15,6 +15,9 @@ printf '%s\\n' "$1" >> "$HOME/opened"
 """
 
 
+_CONTROLS_OF_PLAYER = 110  # no more than this, below the picture
+
+
 class Home:
     """A person's home with nothing in it, and the programs beside it as they are unpacked."""
 
@@ -55,6 +58,12 @@ class Home:
         folder = self.work_folder
         return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
 
+    def end_all(self):
+        """Ends what still runs of the programs that were started from here."""
+        for pid in map(int, filter(str.isdigit, os.listdir("/proc"))):
+            if (_path_of(pid) or "").startswith(self.programs + "/"):
+                os.kill(pid, signal.SIGKILL)
+
     def opened(self):
         """The pages and folders that the desktop was asked to open, in turn."""
         try:
@@ -94,20 +103,11 @@ class Program:
         if found != code:
             raise Failure("the program ended with %d" % found)
 
-    @property
-    def runs(self):
-        return self._process.poll() is None
-
     def has_not_complained(self):
         with open(self._complaints, encoding="utf-8", errors="replace") as file:
             complaints = file.read()
         if complaints:
             raise Failure("on standard error:\n" + complaints)
-
-    def kill(self):
-        if self.runs:
-            self._process.send_signal(signal.SIGKILL)
-            self._process.wait()
 
 
 class FileToDrag:
@@ -130,17 +130,63 @@ class FileToDrag:
             raise Failure("the file was not taken")
 
 
-def program_of_player(bus, home):
-    """The accessible root of the player, once it runs."""
-    path = os.path.join(home.programs, "kc-mplayer")
-    for pid in filter(str.isdigit, os.listdir("/proc")):
-        try:
-            if os.readlink("/proc/%s/exe" % pid) == path:
-                return bus.program(int(pid))
-        except OSError:
-            continue
+def middle_on_screen(thing, window, pid):
+    """Where on the screen a thing in a window of a process is. A window that the desktop has just
+    put in its place may itself believe for a while that it stands elsewhere; the screen knows."""
+    left, top, width, height = window.place
+    for one in screen.windows(pid=pid):
+        real = screen.place(one)
+        if real and real[2:] == (width, height):
+            x, y = thing.middle
+            return real[0] + x - left, real[1] + y - top
     return None
 
 
-def no_player_runs(bus, home):
-    return until(lambda: program_of_player(bus, home) is None, "the end of the player")
+class Player:
+    """The preview player that somebody else has started."""
+
+    def __init__(self, bus, home):
+        self._bus, self._path = bus, os.path.join(home.programs, "kc-mplayer")
+        self.pid = until(self._find_pid, "the player")
+        self._root = until(lambda: bus.program(self.pid), "the player's window")
+
+    def _find_pid(self):
+        return next((pid for pid in map(int, filter(str.isdigit, os.listdir("/proc")))
+                     if _path_of(pid) == self._path), None)
+
+    @property
+    def runs(self):
+        return _path_of(self.pid) == self._path
+
+    def find(self, role, name):
+        for thing in self._root.children[0].everything():
+            if thing.role == role and thing.name == name:
+                return thing
+        return None
+
+    def click(self, name):
+        window = self._root.children[0]
+        button = until(lambda: self.find("push button", name), "button " + name)
+        screen.click(*until(lambda: middle_on_screen(button, window, self.pid), name))
+
+    def plays(self):
+        """Whether its picture moves."""
+        until(lambda: self.find("slider", "Position").enabled, "a film in the player")
+        window = until(lambda: screen.windows(pid=self.pid), "the player's window")[0]
+
+        def moves():
+            # A short film may have come to its end by now, where it stands.
+            if self.find("push button", "Play again"):
+                self.click("Play again")
+            else:
+                self.find("slider", "Position").value = 0
+            left, top, width, height = screen.place(window)
+            return screen.moves((left, top, width, height - _CONTROLS_OF_PLAYER), patience=2)
+        return until(moves, "a picture that moves")
+
+
+def _path_of(pid):
+    try:
+        return os.readlink("/proc/%d/exe" % pid)
+    except OSError:
+        return None

@@ -33,10 +33,10 @@ class FileToDrag : public QLabel {
         if (!event->buttons().testFlag(Qt::LeftButton)) {
             return;
         }
-        auto data = std::make_unique<QMimeData>();
-        data->setUrls({QUrl::fromLocalFile(QFileInfo(file_).absoluteFilePath())});
+        auto file = std::make_unique<QMimeData>();
+        file->setUrls({QUrl::fromLocalFile(QFileInfo(file_).absoluteFilePath())});
         auto* drag = std::make_unique<QDrag>(this).release();  // deletes itself
-        drag->setMimeData(data.release());
+        drag->setMimeData(file.release());
         const Qt::DropAction action = drag->exec(Qt::CopyAction);
         QApplication::exit(action == Qt::CopyAction ? kTaken : kRefused);
     }

@@ -19,15 +19,15 @@ def _write(file, data):
 
 
 class Media:
-    """Films of 4 seconds, 25 pictures each second, H.264 and AAC, and an AVI; in a folder that can
+    """Films of 20 seconds, 25 pictures each second, H.264 and AAC, and an AVI; in a folder that can
     be moved into a home."""
 
     def __init__(self, folder, examples):
         os.makedirs(folder)
         self._shelf = self.folder = folder
         healthy = self.at("healthy.mp4")
-        _ffmpeg("-f lavfi -i testsrc2=s=320x240:r=25:d=4 -f lavfi -i sine=f=440:d=4 "
-                "-c:v libx264 -preset ultrafast -bf 0 -pix_fmt yuv420p -c:a aac -ac 2 "
+        _ffmpeg("-f lavfi -i testsrc2=s=320x240:r=25:d=20 -f lavfi -i sine=f=440:d=20 "
+                "-c:v libx264 -preset ultrafast -g 25 -bf 0 -pix_fmt yuv420p -c:a aac -ac 2 "
                 "-chunk_duration 500000", healthy)
         with open(healthy, "rb") as file:
             whole = file.read()

@@ -62,7 +62,7 @@ _TIME = r" ?\d\d:\d\d:\d\d"
 
 def _progress(words, *status):
     """What the centre shows while something runs. The status is one of those given."""
-    return [("animation", ""), ("progress bar", ""),
+    return [("animation", words["IDS_BUSY"]), ("progress bar", words["IDS_PROGRESS"]),
             label(like("|".join(_literal(text) for text in status))),
             label(like(r"\d{1,3}%")),
             label(words["IDS_START_TIME"]), label(like(_TIME)),
@@ -151,8 +151,7 @@ def saving(words, destination):
                  label("%s: %s" % (words["IDS_DESTINATION"], shown(destination)))])
 
 
-# Messages: their title, and everything in them. The close box is a button with the words of No or
-# OK.
+# Messages: their title, and everything in them, the close box last.
 
 class Message:
     def __init__(self, title, things):
@@ -166,12 +165,12 @@ class Message:
 def question(words, key):
     return Message(words["IDS_CONFIRMATION"],
                    [label(words[key]), button(words["IDS_YES"]), button(words["IDS_NO"]),
-                    button(words["IDS_NO"])])
+                    button(words["IDS_CLOSE"])])
 
 
 def note(words, key):
     return Message(words["IDS_INFORMATION"],
-                   [label(words[key]), button(words["IDS_OK"]), button(words["IDS_OK"])])
+                   [label(words[key]), button(words["IDS_OK"]), button(words["IDS_CLOSE"])])
 
 
 def note_with_link(words, key):
@@ -179,4 +178,4 @@ def note_with_link(words, key):
                    [label(words[key]), link(words["IDS_CLICK_HERE"]),
                     label(words["IDS_CLICK_HERE_1"]), label(words["IDS_CLICK_HERE_2"]),
                     button(words["IDS_CANCEL"]), button(words["IDS_SHARE"]),
-                    button(words["IDS_OK"])])
+                    button(words["IDS_CLOSE"])])

@@ -39,7 +39,7 @@ class Person:
     def quits(self):
         """Closes the window from a page on which that is asked first, and says yes."""
         from pages import question
-        self.presses_title_bar("Close")
+        self.presses_title_bar("IDS_CLOSE")
         self.is_told(question(self.words, "IDS_CLOSE_DLG_MSG"))
         self.answers("IDS_YES", closes=False)
         self.program.ends()
@@ -126,8 +126,8 @@ class Person:
         self._use(lambda: self._find(self.words[key], self._sections() if section is None
                                      else [self._sections()[section]]), key)
 
-    def presses_title_bar(self, name):
-        self._use(lambda: self._find(name, [self.window], deep=False), name)
+    def presses_title_bar(self, key):
+        self._use(lambda: self._find(self.words[key], [self.window], deep=False), key)
 
     def answers(self, key, closes=True):
         """Uses a button of the message, after which none stands; or where another follows at
@@ -144,7 +144,8 @@ class Person:
             until(lambda: len(screen.windows(pid=self.program.pid)) == 2 + depth, "the menu")
             self.looks("menu")
             # The first menu has no entry chosen yet, one below it its first.
-            screen.key(*["Down"] * (place - (1 if depth else 0)))
+            for _ in range(place - (1 if depth else 0)):
+                screen.key("Down")
             if depth + 1 < len(places):
                 screen.key("Right")
         screen.key("Return")
@@ -180,16 +181,7 @@ class Person:
         screen.click(*until(lambda: self._look(lambda: self._middle(thing)), "a place to click"))
 
     def _middle(self, thing):
-        """Where on the screen the thing is. A window that a desktop has just put in its place may
-        itself believe for a while that it stands elsewhere; the screen knows."""
-        window = self.message or self.window
-        left, top, width, height = window.place
-        for one in screen.windows(pid=self.program.pid):
-            real = screen.place(one)
-            if real and real[2:] == (width, height):
-                x, y = thing.middle
-                return real[0] + x - left, real[1] + y - top
-        return None
+        return desk.middle_on_screen(thing, self.message or self.window, self.program.pid)
 
     def _goes_to(self, thing, what):
         """Presses Tab until the thing has the keyboard."""

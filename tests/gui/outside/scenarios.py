@@ -18,8 +18,8 @@ def must(holds, what):
         raise Failure(what)
 
 
-def _details(person, name, codec, timing, duration="00:00:04", tracks="2"):
-    return pages.finished(person.words, name, like(r"0\.\d\d MB"), tracks, codec, timing, duration)
+def _details(person, name, codec, timing, duration="00:00:20", tracks="2"):
+    return pages.finished(person.words, name, like(r"\d\.\d\d MB"), tracks, codec, timing, duration)
 
 
 def _details_of_mp4(person, name):
@@ -108,52 +108,32 @@ def _repairs_and_saves_a_film(person):
     person.sees(pages.home(person.words), "home")
     _repairs_with_reference(person)
     person.presses("IDS_PREVIEW", section=2)
-    player = _the_player_plays(person)
+    player = desk.Player(person.bus, person.home)
+    player.plays()
     if person.hand == "mouse":
-        screen.click(*_in_player(player, "push button", "Pause").middle)
+        player.click("Pause")
     else:
         screen.key("space")
-    until(lambda: _in_player(player, "push button", "Play"), "the pause of the player")
+    until(lambda: player.find("push button", "Play"), "the pause of the player")
     person.looks("player")
-    _comes_back_to_the_window(person)
+    _comes_back_to_the_window(person, player)
     saved = _saves(person)
-    desk.no_player_runs(person.bus, person.home)
+    _ends(player)
     must(re.fullmatch(r"KelvoClipfix_ \d+-\d+-\d{4}-\d+-\d+-\d+\.mov", os.path.basename(saved)),
          "the name is " + saved)
-    must(_pictures(saved) == 100, "the film has %d pictures" % _pictures(saved))
+    must(_pictures(saved) in (499, 500), "the film has %d pictures" % _pictures(saved))
     person.quits()
 
 
-def _the_player_plays(person):
-    """Waits for the player, and looks whether its picture moves. Gives the player."""
-    player = until(lambda: desk.program_of_player(person.bus, person.home), "the player")
-    until(lambda: _in_player(player, "slider", "Position").enabled, "a film in the player")
-    window = until(lambda: screen.windows(title="kc-mplayer"), "the player's window")[0]
-
-    def moves():
-        # A short film may have come to its end by now: it is played again from its start.
-        _in_player(player, "slider", "Position").value = 0
-        if _in_player(player, "push button", "Play again"):
-            screen.click(*_in_player(player, "push button", "Play again").middle)
-        left, top, width, height = screen.place(window)
-        return screen.moves((left, top, width, height // 2), patience=2)
-    until(moves, "a picture that moves")
-    return player
+def _ends(player):
+    until(lambda: not player.runs, "the end of the player")
 
 
-def _in_player(player, role, name):
-    for window in player.children:
-        for thing in window.everything():
-            if thing.role == role and thing.name == name:
-                return thing
-    return None
-
-
-def _comes_back_to_the_window(person):
+def _comes_back_to_the_window(person, player):
     """The player lies above the window: it is closed as any window, or left for the other."""
     if person.hand == "keyboard":
         screen.key("q")
-        desk.no_player_runs(person.bus, person.home)
+        _ends(player)
     else:
         window = screen.windows(title="Kelvo Clipfix")[0]
         left, top, _, _ = screen.place(window)
@@ -182,17 +162,25 @@ def two_jobs_in_a_row(person):
     person.leaves_file_dialog()
     person.sees(_details_of_avi(person, "garden.avi"), "save left")
     person.presses("IDS_PREVIEW", section=1)
-    _the_player_plays(person)
-    person.presses_title_bar("Home")
+    first = desk.Player(person.bus, person.home)
+    first.plays()
+    # A player that is still open is closed before the next one starts.
+    _comes_back_to_the_window(person, first)
+    person.presses("IDS_PREVIEW", section=2)
+    _ends(first)
+    second = desk.Player(person.bus, person.home)
+    second.plays()
+    _comes_back_to_the_window(person, second)
+    person.presses_title_bar("IDS_HOME")
     person.sees(pages.home(person.words), "home from details")
-    desk.no_player_runs(person.bus, person.home)
+    _ends(second)
     must(person.home.results() == [], "the result was kept")
     _chooses_mov(person, person.media.own_reference)
     person.presses("IDS_REPAIR")
     person.sees(_details_of_mp4(person, "picnic.MP4"), "finished, own reference")
     person.hand = "keyboard"
     saved = _saves(person, os.path.join(person.home.videos, "my film.mov"))
-    must(_pictures(saved) == 100, "the film has %d pictures" % _pictures(saved))
+    must(_pictures(saved) in (499, 500), "the film has %d pictures" % _pictures(saved))
     person.quits()
 
 
@@ -229,7 +217,7 @@ def pause_home_and_close_in_a_running_job(person):
     running = pages.repairing_with_reference(words, file, person.media.healthy)
     paused = pages.repairing_with_reference(words, file, person.media.healthy, "IDS_RESUME")
     person.sees(paused, "paused")
-    for control, refused in (("Home", "home refused"), ("Close", "close refused")):
+    for control, refused in (("IDS_HOME", "home refused"), ("IDS_CLOSE", "close refused")):
         person.presses_title_bar(control)
         person.is_told(pages.note(words, "IDS_REPAIR_PROCESSING"), refused)
         person.answers("IDS_OK")
@@ -267,7 +255,7 @@ def a_cancelled_avi(person):
     person.is_told(pages.question(words, "IDS_CANCEL_DLG_MSG"), "cancel")
     person.answers("IDS_YES")
     person.sees(pages.repairing_avi(words, file), "still in the progress view")
-    person.presses_title_bar("Close")
+    person.presses_title_bar("IDS_CLOSE")
     person.is_told(pages.question(words, "IDS_CLOSE_DLG_MSG"), "quit")
     person.answers("IDS_NO")
     person.sees(pages.home(words), "home")
@@ -280,13 +268,13 @@ def quit_and_home_on_every_page(person):
     person.starts()
 
     def stays_after_no(page, called):
-        person.presses_title_bar("Close")
+        person.presses_title_bar("IDS_CLOSE")
         person.is_told(pages.question(words, "IDS_CLOSE_DLG_MSG"), "quit from " + called)
         person.answers("IDS_NO")
         person.sees(page, called)
 
     def goes_home(called):
-        person.presses_title_bar("Home")
+        person.presses_title_bar("IDS_HOME")
         person.sees(pages.home(words), "home from " + called)
 
     stays_after_no(pages.home(words), "home")
@@ -317,7 +305,7 @@ def language_and_menus(person):
     _is_asked_for_a_reference(person, media.cut)
     # The languages of the menu in their order: English, French, German.
     for place, language in ((3, "German"), (1, "English")):
-        person.presses_title_bar("Menu")
+        person.presses_title_bar("IDS_MENU")
         person.chooses_from_menu(1, place)
         person.words = Words(os.path.join(person.home.programs, "Lang"), language)
         person.sees(pages.need_reference(person.words, media.cut), "need reference, " + language)
@@ -342,7 +330,7 @@ def a_second_start(person):
     words = person.words
     person.starts()
     person.sees(pages.home(words), "home")
-    person.presses_title_bar("Close")
+    person.presses_title_bar("IDS_CLOSE")
     person.is_told(pages.question(words, "IDS_CLOSE_DLG_MSG"), "quit")
     second = desk.Program(person.home, person.bus)
     ok = until(lambda: _button_of_box(second, "Kelvo Clipfix is already running in another "
@@ -387,14 +375,16 @@ def the_window_itself(person):
     must((width, height) == (1025, 585), "the window is %d by %d" % (width, height))
     must(abs(left - (screen.SIZE[0] - 1025) // 2) <= 1, "it is not in the middle")
     screen.drag((left + 300, top + 20), (left + 340, top + 60))
-    until(lambda: screen.place(window)[:2] == (left + 40, top + 40), "the move by the bar")
-    person.presses_title_bar("Minimize")
+    # The first few points of the way are what tells a drag from a click.
+    until(lambda: all(20 <= now - then <= 40 for now, then
+                      in zip(screen.place(window)[:2], (left, top))), "the move by the bar")
+    person.presses_title_bar("IDS_MINIMIZE")
     until(lambda: not screen.windows(title="Kelvo Clipfix"), "the minimised window")
     subprocess.run(["xdotool", "windowactivate", window], check=True)
-    person.presses_title_bar("Maximize")
+    person.presses_title_bar("IDS_MAXIMIZE")
     until(lambda: screen.place(window)[2:] == screen.SIZE, "the whole screen")
     person.sees(pages.home(person.words), "maximised")
-    person.presses_title_bar("Restore")
+    person.presses_title_bar("IDS_RESTORE")
     until(lambda: screen.place(window) == (left, top, 1025, 585), "the window as it was")
     person.quits()
 
