@@ -111,23 +111,22 @@ class Program:
 
 
 class FileToDrag:
-    """A window with one file in it, as a folder's window shows it. Gives the place to drag from."""
+    """A window with one file in it, as a folder's window shows it."""
 
     def __init__(self, home, file):
-        self._command = [os.path.join(home.build, "file_to_drag"), file]
-        self._environment = home.environment
+        self._process = subprocess.Popen([os.path.join(home.build, "file_to_drag"), file],
+                                         env=home.environment, stdin=subprocess.DEVNULL)
 
-    def __enter__(self):
-        self._process = subprocess.Popen(self._command, env=self._environment,
-                                         stdin=subprocess.DEVNULL)
+    @property
+    def middle(self):
+        """The place to drag from."""
         window = until(lambda: screen.windows(pid=self._process.pid), "the file to drag")[0]
         left, top, width, height = until(lambda: screen.place(window), "its place")
         return left + width // 2, top + height // 2
 
-    def __exit__(self, *_):
-        # It ends by itself once the file was let go.
-        if self._process.wait(PATIENCE) != 0:
-            raise Failure("the file was not taken")
+    def end(self):
+        self._process.kill()
+        self._process.wait()
 
 
 def middle_on_screen(thing, window, pid):

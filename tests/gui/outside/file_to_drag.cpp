@@ -1,5 +1,6 @@
 // A small window at the bottom of the screen that shows a file as a folder does, so that it can be
-// dragged onto another window. Ends with 0 once the file was taken, with 1 where it was refused.
+// dragged onto another window. It stays until it is ended, since whoever takes the file asks for
+// its name after it was let go.
 //
 //     file_to_drag FILE
 
@@ -15,13 +16,9 @@
 
 namespace {
 
-constexpr int kTaken = 0;
-constexpr int kRefused = 1;
-
 class FileToDrag : public QLabel {
   public:
-    explicit FileToDrag(const QString& file)
-        : QLabel(QFileInfo(file).fileName()), file_(file) {
+    explicit FileToDrag(const QString& file) : QLabel(QFileInfo(file).fileName()), file_(file) {
         setWindowFlag(Qt::FramelessWindowHint);
         setMargin(12);
         adjustSize();
@@ -37,8 +34,7 @@ class FileToDrag : public QLabel {
         file->setUrls({QUrl::fromLocalFile(QFileInfo(file_).absoluteFilePath())});
         auto* drag = std::make_unique<QDrag>(this).release();  // deletes itself
         drag->setMimeData(file.release());
-        const Qt::DropAction action = drag->exec(Qt::CopyAction);
-        QApplication::exit(action == Qt::CopyAction ? kTaken : kRefused);
+        (void)drag->exec(Qt::CopyAction);
     }
 
   private:

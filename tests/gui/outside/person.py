@@ -29,6 +29,7 @@ class Person:
         self.bus, self.home, self.media, self.words = bus, home, media, words
         self.hand, self.album = hand, album
         self.program = None
+        self._folder = None
 
     # Starting and leaving.
 
@@ -152,8 +153,12 @@ class Person:
 
     def drops(self, file):
         """Drags a file from elsewhere on the screen and lets it go over the window."""
-        with desk.FileToDrag(self.home, file) as start:
-            screen.drag(start, self._middle(self.window))
+        self._folder = desk.FileToDrag(self.home, file)
+        screen.drag(self._folder.middle, self._middle(self.window))
+
+    def closes_folder(self):
+        """Once the file has been taken."""
+        self._folder.end()
 
     def _find(self, name, places, deep=True):
         for place in places:

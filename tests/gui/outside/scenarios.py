@@ -344,6 +344,12 @@ def a_second_start(person):
     person.quits()
 
 
+def _drops(person, file, page):
+    person.drops(file)
+    person.sees(page, "dropped " + os.path.basename(file))
+    person.closes_folder()
+
+
 def a_file_from_outside(person):
     """Named at the start, and dropped on the window."""
     words, media = person.words, person.media
@@ -355,14 +361,11 @@ def a_file_from_outside(person):
 
     person.starts(os.path.relpath(media.cut, person.home.folder))
     person.sees(pages.chosen(words, pages.corrupted(media.cut)), "chosen at the start")
-    person.drops(media.avi)
-    person.sees(pages.chosen(words, pages.path_of_avi(media.avi)), "dropped AVI")
-    person.drops(media.cut)
-    person.sees(pages.chosen(words, pages.corrupted(media.cut)), "dropped MP4")
+    _drops(person, media.avi, pages.chosen(words, pages.path_of_avi(media.avi)))
+    _drops(person, media.cut, pages.chosen(words, pages.corrupted(media.cut)))
     person.presses("IDS_REPAIR")
     person.sees(pages.need_reference(words, media.cut), "need reference")
-    person.drops(media.healthy)
-    person.sees(pages.reference_chosen(words, media.cut, media.healthy), "dropped reference")
+    _drops(person, media.healthy, pages.reference_chosen(words, media.cut, media.healthy))
     person.quits()
 
 
