@@ -2,6 +2,7 @@
 // what is told and asked, and what lies on the disk in the end.
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -408,6 +409,61 @@ class JobFlowTest : public QObject {
         QVERIFY(rig.ComesTo(page::kHome));
         QCOMPARE(rig.state.g_bPlayerOpen.load(), 0);
         QCOMPARE(rig.desktop.playerClosings, before + 2);
+    }
+
+    void PreviewTellsThePlayerToStartInTheWorkFolderWhichIsMadeAnewWhereItIsGone() {
+        WindowRig rig;
+        rig.Repair(media_.OwnReference());
+        QVERIFY(QDir(rig.WorkFile("")).removeRecursively());
+        rig.Click(339);
+        QVERIFY(QDir(rig.WorkFile("")).exists());
+        QCOMPARE(rig.desktop.started.back().folder, rig.work.filePath("$tp").toStdString());
+        QVERIFY(rig.desktop.started.back().arguments[0].startsWith(rig.WorkFile("Repaired.mov") +
+                                                                   QStringLiteral("$$own.MP4$$")));
+    }
+
+    void APlayerOfAnEarlierPreviewIsClosedBeforeTheNextOneStarts() {
+        WindowRig rig;
+        rig.Repair(media_.OwnReference());
+        rig.Click(339);
+        const int closings = rig.desktop.playerClosings;
+        rig.desktop.onStart = [&] { QCOMPARE(rig.desktop.playerClosings, closings + 1); };
+        rig.Click(339);
+        QCOMPARE(rig.desktop.started.size(), 2U);
+    }
+
+    void NoPreviewStartsDuringASave() {
+        WindowRig rig;
+        rig.Repair(media_.OwnReference());
+        rig.moveStands = true;
+        rig.desktop.filesToSave.push_back(rig.work.filePath("a.mov").toStdString());
+        rig.Click(340);
+        QVERIFY(rig.ComesTo(page::kSaving));
+        rig.frame->Container().OnPreview();
+        QVERIFY(rig.desktop.started.empty());
+        QCOMPARE(rig.state.g_bPlayerOpen.load(), 0);
+        rig.AnswerNext(kOk);
+        rig.moveStands = false;
+        QVERIFY(rig.ComesTo(page::kHome));
+    }
+
+    void ALeftPlayerIsSentNothing() {
+        WindowRig rig;
+        rig.Repair(media_.OwnReference());
+        rig.Click(339);
+        rig.Click(338);
+        QVERIFY(rig.ComesTo(page::kHome));
+        QTest::qWait(1200);  // the player would have got its file by then
+        QVERIFY(rig.desktop.sentToPlayer.isEmpty());
+    }
+
+    void AnAviDisablesTheChoiceOfAReferenceAndAMovEnablesIt() {
+        WindowRig rig;
+        rig.AddFile(media_.Avi());
+        QVERIFY(!rig.frame->Container().Find(ChooseReference)->isEnabled());
+        rig.Click(347);
+        rig.AddFile(media_.Cut());
+        QVERIFY(rig.frame->Container().Find(ChooseReference)->isEnabled());
     }
 
     void APlayerThatCannotBeStartedIsTold() {

@@ -3,6 +3,7 @@
 #include <QMutex>
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <vector>
 
 #include "shell/desktop.h"
@@ -17,6 +18,7 @@ class ScriptedDesktop final : public Desktop {
     std::deque<std::string> filesToSave;
     // What the coming starts end with.
     int startCode = kStarted;
+    std::function<void()> onStart;  // called by each start of a program
 
     QStringList filters;         // of the open dialogs
     SaveDialogRequest lastSave;  // of the last save dialog
@@ -44,6 +46,9 @@ class ScriptedDesktop final : public Desktop {
     int StartProgram(const std::filesystem::path& path, const QStringList& arguments,
                      const std::filesystem::path& folder) override {
         started.push_back({path.string(), arguments, folder.string()});
+        if (onStart) {
+            onStart();
+        }
         return startCode;
     }
     int Open(const QUrl& url) override {

@@ -1,5 +1,6 @@
 #include "player/player_window.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QLocalSocket>
 #include <QSignalSpy>
@@ -46,6 +47,7 @@ class PlayerWindowTest : public QObject {
     void PlaysAndPausesBySpace();
     void SeeksByKeys();
     void SeeksByAClickOnTheBar();
+    void SeeksAndChangesTheVolumeByAnAssistiveTool();
     void ShowsTheEndAndPlaysAgain();
     void ChangesTheVolumeByKeysAndWheel();
     void TurnsTheSoundOffAndOn();
@@ -168,6 +170,27 @@ void PlayerWindowTest::SeeksByAClickOnTheBar() {
     QTRY_VERIFY_WITH_TIMEOUT(std::abs(window_->CurrentPlayback().Position() - 30) < 0.5, kPatience);
     QTest::qWait(500);
     QVERIFY(std::abs(window_->CurrentPlayback().Position() - 30) < 0.5);
+}
+
+void PlayerWindowTest::SeeksAndChangesTheVolumeByAnAssistiveTool() {
+    OpenMovie();
+    Press(Qt::Key_P);
+    const auto set = [this](const char* name, int value) {
+        auto* slider = QAccessible::queryAccessibleInterface(Slider(name));
+        QVERIFY(slider != nullptr && slider->valueInterface() != nullptr);
+        slider->valueInterface()->setCurrentValue(value);
+    };
+    set("Position", 45000);
+    QTRY_VERIFY_WITH_TIMEOUT(std::abs(window_->CurrentPlayback().Position() - 45) < 0.1, kPatience);
+    set("Volume", 30);
+    QCOMPARE(window_->Volume(), 30);
+    // A shorter film cuts the bar, which is nobody's wish for another place.
+    const auto other = folder_ / "shorter.avi";
+    test::MakeAvi(other, 3);
+    window_->Open(FileAt(other));
+    QTRY_VERIFY_WITH_TIMEOUT(std::abs(window_->CurrentPlayback().Duration() - 3) < 0.2, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(window_->CurrentPlayback().Position() > 0.1, kPatience);
+    QVERIFY(window_->CurrentPlayback().Position() < 2.9 || window_->CurrentPlayback().IsAtEnd());
 }
 
 void PlayerWindowTest::ShowsTheEndAndPlaysAgain() {
