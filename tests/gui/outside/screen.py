@@ -38,6 +38,15 @@ class Screen:
             process.wait()
 
 
+def on_own_bus(command):
+    """Runs a command with a session bus of its own, and a folder of its own for the sockets of what
+    that starts: the bus of the assistive tools has the same name in each session. Gives its status."""
+    with tempfile.TemporaryDirectory(prefix="clipfix-session-") as folder:
+        environment = dict(os.environ, XDG_RUNTIME_DIR=folder, GIO_USE_VFS="local")
+        return subprocess.run(["dbus-run-session", "--", *command], env=environment,
+                              check=False).returncode
+
+
 def _says(command):
     """What a command prints; nothing where it fails."""
     done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
