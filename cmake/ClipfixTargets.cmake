@@ -14,22 +14,25 @@ function(clipfix_library name)
   target_link_libraries(${name} PUBLIC clipfix_common ${ARG_USES})
 endfunction()
 
-# clipfix_test(NAME USES library...): a GoogleTest program of the current folder, known to ctest
-# case by case. Its tests run in a folder of their own below the build folder.
+# clipfix_test(NAME USES library...): a GoogleTest program of the current folder. ctest knows it as a
+# whole: a process for each of its tests would take longer to start than most of them to run. Those
+# with the highest COST, about their seconds, are begun first.
 function(clipfix_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "USES;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT;COST" "USES;LABELS" ${ARGN})
   if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 300)
+    set(ARG_TIMEOUT 600)
+  endif()
+  if(NOT ARG_COST)
+    set(ARG_COST 0)
   endif()
   file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE clipfix_common clipfix_test_support ${ARG_USES}
     GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-  # One label with commas in it: a list would lose all but its first element on the way.
-  list(JOIN ARG_LABELS "," labels)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 TEST_PREFIX "${name}."
-    PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${name},${labels}")
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} COST ${ARG_COST}
+    LABELS "${ARG_LABELS}")
 endfunction()
 
 # clipfix_fuzzer(NAME SOURCE USES library...): a libFuzzer program fuzz/<NAME>.cpp.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <sstream>
 
 #include "support/run_process.h"
@@ -119,7 +120,9 @@ std::vector<ByteVector> EncodedStream::Probes() const {
     return probes;
 }
 
-EncodedStream Encode(const std::vector<std::string>& options) {
+namespace {
+
+EncodedStream EncodeAnew(const std::vector<std::string>& options) {
     const TempFolder folder;
     const std::string path = (folder / "stream.mp4").string();
     std::vector<std::string> arguments{
@@ -133,6 +136,15 @@ EncodedStream Encode(const std::vector<std::string>& options) {
         {"-v", "info", "-i", path, "-c", "copy", "-bsf:v", "trace_headers", "-f", "null", "-"});
     ReadTrace(traced.err, stream);
     return stream;
+}
+
+}  // namespace
+
+const EncodedStream& Encode(const std::vector<std::string>& options) {
+    static std::map<std::vector<std::string>, EncodedStream> made;
+    const auto known = made.find(options);
+    return known != made.end() ? known->second
+                               : made.emplace(options, EncodeAnew(options)).first->second;
 }
 
 }  // namespace clipfix::test

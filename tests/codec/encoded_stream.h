@@ -39,7 +39,7 @@ struct EncodedStream {
 };
 
 // `options` are ffmpeg's for the encoder, size and length of the stream. Ends the test program with
-// a clear message when ffmpeg fails or is not there.
-EncodedStream Encode(const std::vector<std::string>& options);
+// a clear message when ffmpeg fails or is not there. Made once, and kept for all tests that ask.
+const EncodedStream& Encode(const std::vector<std::string>& options);
 
 }  // namespace clipfix::test

@@ -11,7 +11,7 @@ namespace clipfix {
 namespace {
 
 constexpr int kHundred = 100;
-constexpr qreal kCornerRadius = 4;
+constexpr qreal kBarCornerRadius = 4;
 
 }  // namespace
 
@@ -69,7 +69,7 @@ void CXProgressBar::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF client = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     QPainterPath outline;
-    outline.addRoundedRect(client, kCornerRadius, kCornerRadius);
+    outline.addRoundedRect(client, kBarCornerRadius, kBarCornerRadius);
     painter.fillPath(outline, skin::Colour(skin::kBarTrough));
     painter.save();
     painter.setClipPath(outline);
