@@ -40,9 +40,6 @@ void JobDriver::OnHomePage() {
         RefuseWhileRepairing();
         return;
     }
-    // A worker that was about to go home, or waits to, finds that somebody did, and leaves.
-    ++job_;
-    control_.Wake();
     DeleteResult();
     if (frontEnd_.GraphicObjectCount() >= kTooManyGraphicObjects || state_.g_nFinishedJobs == 1) {
         frontEnd_.RebuildSections();
@@ -69,18 +66,19 @@ void JobDriver::RefuseWhileRepairing() {
 }
 
 void JobDriver::DeleteResult() {
+    // A worker that was about to go home, or waits to, finds that somebody did, and leaves.
+    ++job_;
+    control_.Wake();
     if (state_.g_bMovJob == 1) {
         RemoveOutput();
         return;
     }
+    const std::lock_guard lock(meeting_);
     if (aviEngineRuns_) {
         return;  // cancelled and on its way out; the engine deletes its files itself
     }
-    {
-        const std::lock_guard lock(meeting_);
-        if (aviJob_ != nullptr) {
-            aviJob_->CloseWorkFiles();
-        }
+    if (aviJob_ != nullptr) {
+        aviJob_->CloseWorkFiles();
     }
     std::error_code ignored;
     std::filesystem::remove(state_.g_strAviRepairedPath, ignored);

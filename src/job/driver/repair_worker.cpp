@@ -134,13 +134,17 @@ void JobDriver::EndLateCancelledMovJob() {
 }
 
 void JobDriver::RunAviJob(JobNumber job) {
-    state_.g_lJobAlive = 1;
-    auto engine = engines_.MakeAviJob({state_, control_, frontEnd_});
     {
+        // In one step, as the home step looks for it: either that step finds the engine at work and
+        // leaves its files to it, or the engine of a job that was cancelled and left never starts.
         const std::lock_guard lock(meeting_);
-        aviJob_ = std::move(engine);
+        if (IsReleased(job)) {
+            return;
+        }
+        state_.g_lJobAlive = 1;
+        aviJob_ = engines_.MakeAviJob({state_, control_, frontEnd_});
+        aviEngineRuns_ = true;
     }
-    aviEngineRuns_ = true;
     const int result = aviJob_->Repair();
     aviEngineRuns_ = false;
     if (!MayEnd(job)) {
