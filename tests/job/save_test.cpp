@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <thread>
 
 #include "job_rig.h"
 #include "platform/folders.h"
@@ -303,6 +304,10 @@ class StandingSave : public SaveToASmallDisk {
         });
         rig.face.Before("stop animation", [this, workersNote] {
             EXPECT_TRUE(rig.log.WaitFor(workersNote));
+            // The two notes share one kind, which the closing of the worker's sets back.
+            while (rig.state.g_nMessageKind != 0) {
+                std::this_thread::yield();
+            }
             EXPECT_EQ(rig.state.g_bSaving, 0);
             EXPECT_EQ(rig.state.g_lSaveContinue, 0);
             EXPECT_EQ(rig.state.g_bRepairPaused, 0);
