@@ -16,23 +16,34 @@ endfunction()
 
 # clipfix_test(NAME USES library...): a GoogleTest program of the current folder. ctest knows it as a
 # whole: a process for each of its tests would take longer to start than most of them to run. Those
-# with the highest COST, about their seconds, are begun first.
+# with the highest COST, about their seconds, are begun first; SHARDS parts may run side by side.
 function(clipfix_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT;COST" "USES;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT;COST;SHARDS" "USES;LABELS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 600)
   endif()
   if(NOT ARG_COST)
     set(ARG_COST 0)
   endif()
+  if(NOT ARG_SHARDS)
+    set(ARG_SHARDS 1)
+  endif()
   file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE clipfix_common clipfix_test_support ${ARG_USES}
     GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} COST ${ARG_COST}
-    LABELS "${ARG_LABELS}")
+  foreach(shard RANGE 1 ${ARG_SHARDS})
+    set(case ${name})
+    if(ARG_SHARDS GREATER 1)
+      set(case ${name}.${shard})
+    endif()
+    math(EXPR index "${shard} - 1")
+    add_test(NAME ${case} COMMAND ${name} --gtest_brief=1)
+    set_tests_properties(${case} PROPERTIES TIMEOUT ${ARG_TIMEOUT} COST ${ARG_COST}
+      LABELS "${ARG_LABELS}"
+      ENVIRONMENT "GTEST_TOTAL_SHARDS=${ARG_SHARDS};GTEST_SHARD_INDEX=${index}")
+  endforeach()
 endfunction()
 
 # clipfix_fuzzer(NAME SOURCE USES library...): a libFuzzer program fuzz/<NAME>.cpp.
