@@ -83,19 +83,13 @@ QStringList FaultsOf(const QWidget& window, const Words& words) {
 class AccessibilityTest : public QObject {
     Q_OBJECT
 
-    static void EachLanguage() {
-        QTest::addColumn<QString>("language");
-        for (const QString& language : test::LanguageNames()) {
-            QTest::newRow(qPrintable(language)) << language;
-        }
-    }
     static void Verify(const QStringList& faults, const QString& where) {
         QVERIFY2(faults.isEmpty(),
                  qPrintable(where + QStringLiteral(": ") + faults.join(QStringLiteral("; "))));
     }
 
   private Q_SLOTS:
-    void EveryPage_data() { EachLanguage(); }
+    void EveryPage_data() { test::EachLanguage(); }
     void EveryPage() {
         QFETCH(QString, language);
         test::WindowRig rig(language);
@@ -135,7 +129,7 @@ class AccessibilityTest : public QObject {
         QCOMPARE(button->accessibleName(), QStringLiteral("Agrandir"));
     }
 
-    void EveryMessage_data() { EachLanguage(); }
+    void EveryMessage_data() { test::EachLanguage(); }
     void EveryMessage() {
         QFETCH(QString, language);
         test::LanguageTexts texts(language);
@@ -159,7 +153,7 @@ class AccessibilityTest : public QObject {
         }
     }
 
-    void TheAboutBox_data() { EachLanguage(); }
+    void TheAboutBox_data() { test::EachLanguage(); }
     void TheAboutBox() {
         QFETCH(QString, language);
         test::LanguageTexts texts(language);

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QEnterEvent>
 #include <QFile>
+#include <QTest>
 
 #include "shell/controls/accessible_controls.h"
 #include "shell/skin/fonts.h"
@@ -31,6 +32,13 @@ TextPaths PathsWithLanguage(const QTemporaryDir& folder, const std::string& lang
 QStringList LanguageNames() {
     return {QStringLiteral("English"), QStringLiteral("French"),     QStringLiteral("German"),
             QStringLiteral("Italian"), QStringLiteral("Portuguese"), QStringLiteral("Spanish")};
+}
+
+void EachLanguage() {
+    QTest::addColumn<QString>("language");
+    for (const QString& language : LanguageNames()) {
+        QTest::newRow(qPrintable(language)) << language;
+    }
 }
 
 QStringList AllWords(const QString& language) {

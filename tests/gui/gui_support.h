@@ -14,6 +14,9 @@ namespace clipfix::test {
 // The six languages by the stems of their files.
 [[nodiscard]] QStringList LanguageNames();
 
+// The data of a test that runs in each of them: a column "language".
+void EachLanguage();
+
 // Every text of the shipped language file of `language`.
 [[nodiscard]] QStringList AllWords(const QString& language);
 

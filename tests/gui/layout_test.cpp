@@ -107,12 +107,6 @@ QStringList FaultsOf(const QWidget& window) {
 class LayoutTest : public QObject {
     Q_OBJECT
 
-    static void EachLanguage() {
-        QTest::addColumn<QString>("language");
-        for (const QString& language : test::LanguageNames()) {
-            QTest::newRow(qPrintable(language)) << language;
-        }
-    }
     static void WalkWithNames(const QString& language, const QString& name) {
         test::WindowRig rig(language);
         const test::WalkedFilms films = test::MakeWalkedFilms(rig, name);
@@ -124,13 +118,13 @@ class LayoutTest : public QObject {
     }
 
   private Q_SLOTS:
-    void ThePagesWithAnOrdinaryName_data() { EachLanguage(); }
+    void ThePagesWithAnOrdinaryName_data() { test::EachLanguage(); }
     void ThePagesWithAnOrdinaryName() {
         QFETCH(QString, language);
         WalkWithNames(language, QStringLiteral("holiday"));
     }
 
-    void ThePagesWithALongName_data() { EachLanguage(); }
+    void ThePagesWithALongName_data() { test::EachLanguage(); }
     void ThePagesWithALongName() {
         QFETCH(QString, language);
         WalkWithNames(
@@ -142,7 +136,7 @@ class LayoutTest : public QObject {
         WalkWithNames(QStringLiteral("German"), QString(200, QLatin1Char('W')));
     }
 
-    void Messages_data() { EachLanguage(); }
+    void Messages_data() { test::EachLanguage(); }
     void Messages() {
         QFETCH(QString, language);
         test::LanguageTexts texts(language);
@@ -160,7 +154,7 @@ class LayoutTest : public QObject {
         }
     }
 
-    void TheAboutBox_data() { EachLanguage(); }
+    void TheAboutBox_data() { test::EachLanguage(); }
     void TheAboutBox() {
         QFETCH(QString, language);
         test::LanguageTexts texts(language);

@@ -15,12 +15,6 @@ using test::WindowRig;
 class MenusTest : public QObject {
     Q_OBJECT
 
-    static void EachLanguage() {
-        QTest::addColumn<QString>("language");
-        for (const QString& language : test::LanguageNames()) {
-            QTest::newRow(qPrintable(language)) << language;
-        }
-    }
     // The entries of a menu, "id label" for a command and "label >" for a menu below.
     static QStringList EntriesOf(const QMenu& menu) {
         QStringList entries;
@@ -53,7 +47,7 @@ class MenusTest : public QObject {
     }
 
   private Q_SLOTS:
-    void TheProgramMenuHoldsLanguagesAndUpdate_data() { EachLanguage(); }
+    void TheProgramMenuHoldsLanguagesAndUpdate_data() { test::EachLanguage(); }
     void TheProgramMenuHoldsLanguagesAndUpdate() {
         QFETCH(QString, language);
         const WindowRig rig(language);
@@ -69,7 +63,7 @@ class MenusTest : public QObject {
         });
     }
 
-    void TheHelpMenuHoldsHelpSupportAndAbout_data() { EachLanguage(); }
+    void TheHelpMenuHoldsHelpSupportAndAbout_data() { test::EachLanguage(); }
     void TheHelpMenuHoldsHelpSupportAndAbout() {
         QFETCH(QString, language);
         const WindowRig rig(language);
