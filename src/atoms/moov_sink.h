@@ -15,12 +15,14 @@ class MoovSink {
 
     // Puts `bytes` behind all that is there.
     virtual Result<void> Append(ByteView bytes) = 0;
-    // Brings what was appended to the medium.
+    // Has what was appended brought to the medium.
     virtual Result<void> Flush() = 0;
 };
 
 // Appends to an open file: each piece is written where the file ends at that moment, so that a
 // piece which could not be written leaves no gap. The file stays open and belongs to the caller.
+// A flush sends it on its way to the medium and does not wait until it is there: that is done once,
+// where a finished movie gets its name.
 class FileMoovSink final : public MoovSink {
   public:
     explicit FileMoovSink(platform::File& file) : file_(file) {}
@@ -30,6 +32,7 @@ class FileMoovSink final : public MoovSink {
 
   private:
     platform::File& file_;
+    std::uint64_t flushFrom_ = UINT64_MAX;  // what was appended and not flushed begins here
 };
 
 }  // namespace clipfix

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <exception>
 #include <fmt/format.h>
+#include <new>
 #include <type_traits>
 
 #include "cli/commands.h"
@@ -34,8 +35,11 @@ int main(int argumentCount, char** arguments) {
         const Options options = ParseCommandLine(argumentCount, arguments);
         return static_cast<int>(
             std::visit([](const auto& chosen) { return Run(chosen); }, options));
-    } catch (const std::exception& error) {  // for want of memory, say
-        std::fprintf(stderr, "clipfix: %s\n", error.what());
+    } catch (const std::bad_alloc&) {
+        std::fputs("clipfix: there is too little memory to go on\n", stderr);
+        return static_cast<int>(ExitStatus::FileOrDiskFailed);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "clipfix: cannot go on: %s\n", error.what());
         return static_cast<int>(ExitStatus::FileOrDiskFailed);
     }
 }

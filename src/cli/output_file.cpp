@@ -3,7 +3,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/file.h"
+#include "platform/flush_in_steps.h"
 #include "platform/move_file.h"
 
 namespace clipfix::cli {
@@ -62,13 +62,14 @@ Result<OutputFile> OutputFile::Prepare(const std::filesystem::path& name, const 
 OutputFile::OutputFile(std::filesystem::path name, platform::ScratchFolder scratch, bool force)
     : name_(std::move(name)), scratch_(std::move(scratch)), force_(force) {}
 
-Result<void> OutputFile::Publish(const std::filesystem::path& made) {
+Result<void> OutputFile::Publish(const std::filesystem::path& made,
+                                 const platform::TransferProgress& progress) {
     {
         auto file = platform::File::OpenForReading(made);
         if (!file) {
             return file.Failure();
         }
-        if (auto flushed = file.Value().Flush(); !flushed) {
+        if (auto flushed = platform::FlushInSteps(file.Value(), progress); !flushed) {
             return flushed;
         }
     }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/result.h"
+#include "platform/file.h"
 #include "platform/folders.h"
 
 namespace clipfix::cli {
@@ -26,8 +27,10 @@ class OutputFile {
     [[nodiscard]] const std::filesystem::path& Name() const { return name_; }
     [[nodiscard]] const std::filesystem::path& WorkFolder() const { return scratch_.Path(); }
 
-    // Brings `made`, a file in the work folder, to the medium and then to its name.
-    Result<void> Publish(const std::filesystem::path& made);
+    // Brings `made`, a file in the work folder, to the medium and then to its name. The first can
+    // take long: `progress` is told of it, and may end it (Cancelled), with nothing published.
+    Result<void> Publish(const std::filesystem::path& made,
+                         const platform::TransferProgress& progress);
 
   private:
     OutputFile(std::filesystem::path name, platform::ScratchFolder scratch, bool force);

@@ -18,6 +18,8 @@ namespace clipfix::cli {
 
 namespace {
 
+constexpr std::string_view kCancelled = "cancelled; nothing was left behind";
+
 ExitStatus Print(const RepairReport& report, const RepairOptions& options) {
     if (options.json) {
         fmt::print("{}", ToJson(report));
@@ -79,7 +81,7 @@ void TellEnd(RepairReport& report, JobEnd end, const RealEngines& engines) {
             return;
         case JobEnd::Cancelled:
             report.outcome = Outcome::Cancelled;
-            report.message = "cancelled; nothing was left behind";
+            report.message = kCancelled;
             return;
         case JobEnd::CannotOpen:
         case JobEnd::None:
@@ -114,14 +116,12 @@ class RepairRun {
     // Runs the job and brings its result to its name.
     void Run(RepairReport& report) {
         const bool movJob = state_.g_bMovJob == 1;
-        {
-            const InterruptWatch watch([this] {
-                interrupted_ = true;
-                driver_.CancelAtOnce();
-            });
-            driver_.OnRepair();
-            driver_.WaitForWorkers();
-        }
+        const InterruptWatch watch([this] {
+            interrupted_ = true;
+            driver_.CancelAtOnce();
+        });
+        driver_.OnRepair();
+        driver_.WaitForWorkers();
         frontEnd_.ClearLine();
         FillCounts(report);
         TellEnd(report, interrupted_ ? JobEnd::Cancelled : driver_.End(), engines_);
@@ -161,10 +161,18 @@ class RepairRun {
                              (state_.writeFailed != 0 ? state_.writeFailure : failed.message());
             return;
         }
-        if (const auto published = output_.Publish(made); !published) {
-            report.outcome = Outcome::Failed;
+        const auto published =
+            output_.Publish(made, [this](std::uint64_t done, std::uint64_t total) {
+                frontEnd_.ShowFlush(done, total);
+                return !interrupted_;
+            });
+        frontEnd_.ClearLine();
+        if (!published) {
+            const Error& error = published.Failure();
+            const bool cancelled = error.kind == ErrorKind::Cancelled;
+            report.outcome = cancelled ? Outcome::Cancelled : Outcome::Failed;
             report.outputSize = 0;
-            report.message = published.Failure().text;
+            report.message = cancelled ? std::string(kCancelled) : error.text;
             return;
         }
         report.output = output_.Name().string();

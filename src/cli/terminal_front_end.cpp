@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 #include <fmt/format.h>
+#include <utility>
 
 namespace clipfix::cli {
 
@@ -32,10 +33,21 @@ void TerminalFrontEnd::SetText(JobControlId control, const std::string& text,
                                const TextStyle& /*style*/) {
     // The engines name their phases in the status text; each counts from 0 by itself.
     if (control == JobControlId::StatusText && text.find("IDS_") != 0) {
-        const std::lock_guard lock(mutex_);
-        phase_ = text.substr(0, text.find_last_not_of('.') + 1);
-        phaseStart_ = std::chrono::steady_clock::now();
+        BeginPhase(text.substr(0, text.find_last_not_of('.') + 1));
     }
+}
+
+void TerminalFrontEnd::BeginPhase(std::string name) {
+    const std::lock_guard lock(mutex_);
+    phase_ = std::move(name);
+    phaseStart_ = std::chrono::steady_clock::now();
+}
+
+void TerminalFrontEnd::ShowFlush(std::uint64_t done, std::uint64_t total) {
+    if (done == 0) {
+        BeginPhase("Waiting for the disk");
+    }
+    DrawLine(total == 0 ? 100 : static_cast<int>(done * 100 / total));
 }
 
 void TerminalFrontEnd::SetBar(int percent) {

@@ -27,6 +27,8 @@ class TerminalFrontEnd final : public JobFrontEnd {
     void SetAviProgressHandler(std::function<void()> handler) {
         onAviProgress_ = std::move(handler);
     }
+    // Shows how many bytes of the finished file have reached the medium.
+    void ShowFlush(std::uint64_t done, std::uint64_t total);
     // Removes the progress line.
     void ClearLine();
     // Every percent that was sent, in order; empty unless keepPercents.
@@ -57,6 +59,7 @@ class TerminalFrontEnd final : public JobFrontEnd {
     void OpenFolder(const std::string&) override {}
 
   private:
+    void BeginPhase(std::string name);
     void KeepPercent(int percent);
     void DrawLine(int percent);
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 #include "base/bytes.h"
@@ -22,6 +23,9 @@ class ReadableFile {
     // The size in bytes as it was when the file was opened.
     [[nodiscard]] virtual std::uint64_t Size() const = 0;
 };
+
+// Told how many bytes of how many a long step has behind it; answers whether to go on.
+using TransferProgress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
 // One open plain file. Positions and sizes are in bytes and never wrap below 2^63. Each operation
 // says where it works, so that no file pointer is shared between its users. Closing is by the
@@ -66,11 +70,20 @@ class File final : public ReadableFile {
     // as a long file is written, it leaves little for Flush, which nobody can interrupt.
     void BeginFlush(std::uint64_t offset, std::uint64_t length);
 
+    // Waits until the bytes of a stretch are on the medium, where the system offers that. What else
+    // belongs to the file, as its size, still wants Flush.
+    Result<void> FlushStretch(std::uint64_t offset, std::uint64_t length);
+
     // Copies up to `length` bytes of `source` from `from` to `to` of this file inside the system,
     // without a buffer of ours. Gives how many were copied; 0 means that the system does not offer
     // it for these two files, or stands at the source's end, and the caller copies by itself.
     Result<std::uint64_t> CopyWithinSystem(const File& source, std::uint64_t from, std::uint64_t to,
                                            std::uint64_t length);
+
+    // Whether the file lies on one of the file systems of this machine that can neither share
+    // blocks between files nor copy on a side of their own, so that CopyWithinSystem goes through
+    // memory page by page. Not known: false.
+    [[nodiscard]] bool IsCopiedPageByPage() const;
 
     // Tells the system that the file will be read from front to back.
     void ExpectSequentialReads() const;

@@ -10,8 +10,8 @@
 namespace clipfix::platform {
 
 // Begins to bring a growing file to its medium while more of it is written, on a thread of its own:
-// handing the pages over takes a third of the time of making them. For a file that is flushed at
-// its end anyway; nothing hangs on it.
+// handing the pages over takes a third of the time of making them. For a file that will be flushed
+// anyway; nothing hangs on it.
 class FlushAhead {
   public:
     // `file` must outlive the object; what stands in it before `start` is left alone.

@@ -7,7 +7,10 @@ namespace clipfix::platform {
 
 RangeCopier::RangeCopier(const File* source, WindowReader& reader, File& target,
                          std::uint64_t start)
-    : source_(source), reader_(&reader), target_(&target), end_(start), written_(start) {
+    : reader_(&reader), target_(&target), end_(start), written_(start) {
+    if (source != nullptr) {
+        stretches_.emplace(*source, target, StretchCopier::BestWay(*source, target));
+    }
     bytes_.reserve(kGatheredBytes);
 }
 
@@ -64,10 +67,9 @@ void RangeCopier::FlushRange() {
     std::uint64_t from = rangeFrom_;
     std::uint64_t length = std::exchange(rangeLength_, 0);
     const std::uint64_t inside = from < reader_->Size() ? reader_->Size() - from : 0;
-    if (source_ != nullptr && std::min(length, inside) >= kWorthTheSystem) {
+    if (stretches_ && std::min(length, inside) >= kLongStretch) {
         FlushBytes();
-        const auto copied =
-            target_->CopyWithinSystem(*source_, from, written_, std::min(length, inside));
+        const auto copied = stretches_->Copy(from, written_, std::min(length, inside));
         if (!copied) {
             Note(copied.Failure());
         }
@@ -75,6 +77,10 @@ void RangeCopier::FlushRange() {
         from += passed;
         length -= passed;
         written_ += passed;
+        if (!flushAhead_) {
+            flushAhead_.emplace(*target_, written_ - passed);
+        }
+        flushAhead_->UpTo(written_);
     }
     CopyThroughMemory(from, length);
 }

@@ -1,17 +1,21 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "base/bytes.h"
 #include "base/result.h"
 #include "platform/file.h"
+#include "platform/flush_ahead.h"
+#include "platform/stretch_copier.h"
 #include "platform/window_reader.h"
 
 namespace clipfix::platform {
 
 // Copies stretches of one file to the end of another. Stretches that follow one another in the
-// source are gathered and copied as one, inside the system where it offers that; what cannot be
-// read is copied as zero bytes and noted with `reader`. Positions and lengths are in bytes.
+// source are gathered and copied as one, in the fastest way that the two files offer; what cannot
+// be read is copied as zero bytes and noted with `reader`. While a long copy goes on, the system is
+// told to store what stands already. Positions and lengths are in bytes.
 //
 // An operation that could not write all answers with the reason. What comes later keeps its place
 // all the same, so a caller may pass a failure over and go on.
@@ -36,8 +40,8 @@ class RangeCopier {
 
   private:
     static constexpr std::size_t kGatheredBytes = std::size_t{256} << 10U;
-    // Below this a copy through memory costs less than asking the system.
-    static constexpr std::uint64_t kWorthTheSystem = std::uint64_t{128} << 10U;
+    // Below this it costs less to gather the bytes than to ask for a copy.
+    static constexpr std::uint64_t kLongStretch = std::uint64_t{128} << 10U;
     // What one step copies at most, so that no operation takes long and a pause takes hold soon.
     static constexpr std::uint64_t kLargestRange = std::uint64_t{4} << 20U;
 
@@ -47,15 +51,16 @@ class RangeCopier {
     void Note(Result<void> done);
     [[nodiscard]] Result<void> TakeOutcome();
 
-    const File* source_;
+    std::optional<StretchCopier> stretches_;  // nothing without a source
     WindowReader* reader_;
     File* target_;
     std::uint64_t end_;
     std::uint64_t written_;        // position in the target behind the last byte written
     std::uint64_t rangeFrom_ = 0;  // the gathered stretch of the source
     std::uint64_t rangeLength_ = 0;
-    ByteVector bytes_;      // gathered bytes; they come before the gathered stretch
-    Result<void> outcome_;  // the first failure of the operation at hand
+    std::optional<FlushAhead> flushAhead_;  // from the first long stretch on
+    ByteVector bytes_;                      // gathered bytes; they come before the gathered stretch
+    Result<void> outcome_;                  // the first failure of the operation at hand
 };
 
 }  // namespace clipfix::platform

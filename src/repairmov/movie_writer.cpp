@@ -4,7 +4,6 @@
 #include <cstdio>
 
 #include "atoms/moov_sink.h"
-#include "platform/flush_ahead.h"
 #include "platform/range_copier.h"
 
 namespace clipfix {
@@ -84,15 +83,12 @@ DataForkWriter::Outcome DataForkWriter::CopyInOneGo(const ChunkList& chunks,
     platform::RangeCopier copier(file_, reader_, output_, kHeadSize);
     std::uint64_t gathered = 0;
     std::uint64_t safeEnd = kHeadSize;
-    // The movie is flushed at its end; what stands already can go to the medium meanwhile.
-    platform::FlushAhead flushAhead(output_, kHeadSize);
     const auto finish = [&]() -> Outcome {
         gathered = 0;
         if (const auto done = copier.Finish(); !done) {
             NoteWriteFailure(job_.state, done.Failure());
             return Outcome::Failed;
         }
-        flushAhead.UpTo(copier.End());
         job_.state.g_liOutputSize = static_cast<std::int64_t>(copier.End());
         return progress_.MayGoOn() ? Outcome::Done : Outcome::Left;
     };

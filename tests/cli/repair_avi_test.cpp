@@ -213,7 +213,7 @@ TEST(RepairCommand, LosesOnlyTheSectorsThatCannotBeRead) {
     const auto repair = [&](const std::string& output, std::uint64_t length) {
         const auto run =
             Clipfix({"repair", damaged.Path(), "--json", "-o", (folder / output).string()},
-                    {.environment = {"LD_PRELOAD=" CLIPFIX_FAILING_READS,
+                    {.environment = {"LD_PRELOAD=" CLIPFIX_FAILING_MACHINE,
                                      "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0",
                                      "FAILING_READS_FILE=" + damaged.Path(),
                                      "FAILING_READS_FROM=" + std::to_string(from + 100),

@@ -279,7 +279,7 @@ TEST(RepairOfMoviesThatFails, LosesOnlyTheSectorsThatCannotBeRead) {
     const auto run =
         Clipfix({"repair", damaged.Path(), "-r", reference.Path(), "--json", "-o",
                  (folder / "broken.mov").string()},
-                {.environment = {"LD_PRELOAD=" CLIPFIX_FAILING_READS,
+                {.environment = {"LD_PRELOAD=" CLIPFIX_FAILING_MACHINE,
                                  "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0",
                                  "FAILING_READS_FILE=" + damaged.Path(),
                                  "FAILING_READS_FROM=" + std::to_string(from + 100),

@@ -63,7 +63,7 @@ WindowRig::WindowRig(const QString& language)
     settings.desktop = &desktop;
     settings.engines = &engines;
     settings.moveFile = [this](const std::string& source, const std::string& destination,
-                               const platform::MoveProgress& progress) {
+                               const platform::TransferProgress& progress) {
         while (moveStands) {
             if (!progress(1, 100)) {
                 return Result<void>(Error{ErrorKind::Cancelled, "cancelled", {}});

@@ -10,7 +10,7 @@ JobRig::JobRig(const std::filesystem::path& workFolder)
       driver({state, control, face}, engines, clock,
              {.workFolder = workFolder.empty() ? folder.Path() / "$tp" : workFolder,
               .moveFile = [this](const std::string& source, const std::string& destination,
-                                 const platform::MoveProgress& progress) {
+                                 const platform::TransferProgress& progress) {
                   return move(source, destination, progress);
               }}) {
     clock.MoveTo(kTestNow);

@@ -54,7 +54,7 @@ class JobRig {
 
     // What moves the file of a save.
     std::function<Result<void>(const std::string& source, const std::string& destination,
-                               const platform::MoveProgress& progress)>
+                               const platform::TransferProgress& progress)>
         move = platform::MoveFileWithProgress;
 
     TempFolder folder;

@@ -292,7 +292,7 @@ TEST(Driver, LeavesARunningSaveWhenItGoesAndKeepsTheSource) {
         JobRig rig(source);
         rig.FinishMovJob();
         rig.move = [&](const std::string&, const std::string&,
-                       const platform::MoveProgress& progress) -> Result<void> {
+                       const platform::TransferProgress& progress) -> Result<void> {
             while (progress(1, 2)) {
                 static_cast<void>(pace.NextRound());
                 pace.LetThrough(1);

@@ -269,7 +269,7 @@ class StandingSave : public SaveToASmallDisk {
 
     void StopAt(std::uint64_t percent) {
         rig.move = [this, percent](const std::string& source, const std::string& destination,
-                                   const platform::MoveProgress& progress) {
+                                   const platform::TransferProgress& progress) {
             bool stopped = false;
             return platform::MoveFileWithProgress(
                 source, destination, [&](std::uint64_t transferred, std::uint64_t total) {
@@ -412,7 +412,7 @@ TEST_F(StandingSave, OfAnAviDeletesItsDestinationOnTheFirstCancelOnly) {
         Pace start;
         Pace end;
         rig.move = [&](const std::string& source, const std::string& destination,
-                       const platform::MoveProgress& progress) {
+                       const platform::TransferProgress& progress) {
             static_cast<void>(start.NextRound());
             auto moved = platform::MoveFileWithProgress(source, destination, progress);
             static_cast<void>(end.NextRound());
@@ -489,7 +489,7 @@ class SavePercent : public StandingSave {
     // Steps the worker so that it stands before the routine is told of `pieces` hundredths.
     void StepEach() {
         rig.move = [this](const std::string&, const std::string&,
-                          const platform::MoveProgress& progress) -> Result<void> {
+                          const platform::TransferProgress& progress) -> Result<void> {
             for (std::uint64_t told : tell) {
                 if (pace.NextRound()) {
                     static_cast<void>(progress(told, 1000));

@@ -3,10 +3,25 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #include <vector>
 
 #include "support/small_file_system.h"
 #include "support/temp_folder.h"
+
+namespace {
+
+std::vector<std::filesystem::path> broughtToTheMedium;
+
+}  // namespace
+
+// Stands before the C library's own, and takes note of the file.
+extern "C" int fsync(int descriptor) {
+    broughtToTheMedium.push_back(
+        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor)));
+    return static_cast<int>(::syscall(SYS_fsync, descriptor));
+}
 
 namespace clipfix::platform {
 namespace {
@@ -31,7 +46,7 @@ ByteVector Pattern(std::uint64_t count) {
 class Progress {
   public:
     explicit Progress(std::uint64_t stopAt = UINT64_MAX) : stopAt_(stopAt) {}
-    MoveProgress Routine() {
+    TransferProgress Routine() {
         return [this](std::uint64_t transferred, std::uint64_t total) {
             told.push_back(transferred);
             totals.push_back(total);
@@ -61,6 +76,19 @@ TEST(MoveFile, RenamesOnOneFileSystemAndTellsOnce) {
     EXPECT_EQ(progress.totals, std::vector<std::uint64_t>{1});
     EXPECT_EQ(InodeOf(folder / "b"), inode) << "renamed and not copied";
     EXPECT_FALSE(exists(folder / "a"));
+}
+
+// Whoever is told that the move is done may pull the plug.
+TEST(MoveFile, BringsTheFileToTheMediumBeforeItTells) {
+    TempFolder folder;
+    WriteFile(folder / "a", Pattern(100));
+    broughtToTheMedium.clear();
+    const auto brought = std::vector{std::filesystem::canonical(folder.Path()) / "b"};
+    EXPECT_TRUE(MoveFileWithProgress(folder / "a", folder / "b", [&](auto, auto) {
+        EXPECT_EQ(broughtToTheMedium, brought);
+        return true;
+    }));
+    EXPECT_EQ(broughtToTheMedium, brought);
 }
 
 TEST(MoveFile, CannotBeStoppedOnceItWasRenamed) {
@@ -122,6 +150,17 @@ TEST_F(MoveToAnotherFileSystem, CopiesPieceByPieceAndDeletesTheSource) {
     EXPECT_EQ(progress.totals, std::vector<std::uint64_t>(5, 3 * kMiB + 5));
     EXPECT_TRUE(ReadFile(disk / "b") == bytes);
     EXPECT_FALSE(exists(folder / "a"));
+}
+
+TEST_F(MoveToAnotherFileSystem, KeepsTheSourceUntilTheCopyIsOnTheMedium) {
+    WriteFile(folder / "a", Pattern(100));
+    broughtToTheMedium.clear();
+    EXPECT_TRUE(MoveFileWithProgress(folder / "a", disk / "b", [&](auto, auto) {
+        EXPECT_TRUE(exists(folder / "a"));
+        EXPECT_TRUE(broughtToTheMedium.empty());
+        return true;
+    }));
+    EXPECT_EQ(broughtToTheMedium, std::vector{std::filesystem::canonical(disk / "b")});
 }
 
 TEST_F(MoveToAnotherFileSystem, MovesAnEmptyFile) {

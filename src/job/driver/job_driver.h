@@ -50,7 +50,7 @@ class JobDriver {
         std::filesystem::path workFolder;  // absolute; made when a job needs it
         // How a save moves its file. Tests put in one that stops in the middle.
         std::function<Result<void>(const std::string& source, const std::string& destination,
-                                   const platform::MoveProgress& progress)>
+                                   const platform::TransferProgress& progress)>
             moveFile = platform::MoveFileWithProgress;
     };
 

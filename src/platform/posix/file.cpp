@@ -1,11 +1,14 @@
 #include "platform/file.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <limits>
+#include <linux/magic.h>
 #include <string>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include "platform/posix/system_error.h"
@@ -171,6 +174,24 @@ void File::BeginFlush(std::uint64_t offset, std::uint64_t length) {
     }
 }
 
+Result<void> File::FlushStretch(std::uint64_t offset, std::uint64_t length) {
+    if (offset > kLargestOffset || length > kLargestOffset - offset) {
+        return OffsetTooLarge(offset);
+    }
+    constexpr unsigned kAndWait =
+        SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    while (::sync_file_range(handle_->descriptor, static_cast<off_t>(offset),
+                             static_cast<off_t>(length), kAndWait) != 0) {
+        if (errno == EIO || errno == ENOSPC || errno == EDQUOT) {
+            return posix::WriteError(errno, offset);
+        }
+        if (errno != EINTR) {
+            return {};  // not offered here: all is left to Flush
+        }
+    }
+    return {};
+}
+
 Result<std::uint64_t> File::CopyWithinSystem(const File& source, std::uint64_t from,
                                              std::uint64_t to, std::uint64_t length) {
     if (from > kLargestOffset || to > kLargestOffset) {
@@ -201,6 +222,16 @@ Result<std::uint64_t> File::CopyWithinSystem(const File& source, std::uint64_t f
         done += static_cast<std::uint64_t>(moved);
     }
     return done;
+}
+
+bool File::IsCopiedPageByPage() const {
+    struct statfs facts {};
+    if (::fstatfs(handle_->descriptor, &facts) != 0) {
+        return false;
+    }
+    constexpr std::array<std::int64_t, 5> kPageByPage{
+        EXT4_SUPER_MAGIC, F2FS_SUPER_MAGIC, MSDOS_SUPER_MAGIC, EXFAT_SUPER_MAGIC, TMPFS_MAGIC};
+    return std::find(kPageByPage.begin(), kPageByPage.end(), facts.f_type) != kPageByPage.end();
 }
 
 void File::ExpectSequentialReads() const {

@@ -19,6 +19,9 @@ namespace {
 // Bytes between two looks at the progress routine: a slow medium takes some 20 MB in a second, and
 // whoever wants to stop the copy is not to wait longer than a blink.
 constexpr std::uint64_t kPiece = std::uint64_t{1} << 20U;
+// How far the copy may be ahead of the medium: at the end so much is left to wait for, when nobody
+// can stop it any more.
+constexpr std::uint64_t kAheadOfMedium = std::uint64_t{32} << 20U;
 
 // 0, or the system's error number.
 int RenameWithoutReplacing(const std::filesystem::path& source,
@@ -78,10 +81,11 @@ class PieceCopy {
     ByteVector buffer_;
 };
 
-Result<void> CopyPieces(const File& from, File& to, const MoveProgress& progress) {
+Result<void> CopyPieces(const File& from, File& to, const TransferProgress& progress) {
     const std::uint64_t total = from.Size();
     PieceCopy copy(from, to);
     std::uint64_t done = 0;
+    std::uint64_t onMedium = 0;
     while (progress(done, total)) {
         if (done == total) {
             return to.Flush();
@@ -92,13 +96,20 @@ Result<void> CopyPieces(const File& from, File& to, const MoveProgress& progress
         }
         to.BeginFlush(done, copied.Value());
         done += copied.Value();
+        if (done - onMedium > kAheadOfMedium) {
+            if (auto flushed = to.FlushStretch(onMedium, done - kAheadOfMedium - onMedium);
+                !flushed) {
+                return flushed;
+            }
+            onMedium = done - kAheadOfMedium;
+        }
     }
     return Error{ErrorKind::Cancelled, "the move was cancelled", done};
 }
 
 Result<void> CopyThenDelete(const std::filesystem::path& source,
                             const std::filesystem::path& destination,
-                            const MoveProgress& progress) {
+                            const TransferProgress& progress) {
     const auto from = File::OpenForReading(source);
     if (!from) {
         return from.Failure();
@@ -120,13 +131,22 @@ Result<void> CopyThenDelete(const std::filesystem::path& source,
     return {};
 }
 
+// What was renamed may still be on its way to the medium. The rename stands whatever becomes of
+// that: to take it back would help nobody.
+void BringToMedium(const std::filesystem::path& path) {
+    if (auto file = File::OpenForReading(path)) {
+        static_cast<void>(file.Value().Flush());
+    }
+}
+
 }  // namespace
 
 Result<void> MoveFileWithProgress(const std::filesystem::path& source,
                                   const std::filesystem::path& destination,
-                                  const MoveProgress& progress) {
+                                  const TransferProgress& progress) {
     const int reason = RenameWithoutReplacing(source, destination);
     if (reason == 0) {
+        BringToMedium(destination);
         static_cast<void>(progress(1, 1));  // it is done; there is nothing left to stop
         return {};
     }

@@ -1,10 +1,15 @@
-// Loaded ahead of the C library by a test: reads of one file fail with EIO where a stretch of it
-// lies on a medium that is dying. The file and the stretch come from the environment.
+// Loaded ahead of the C library by a test: a medium that is dying. Reads of one file fail with EIO
+// where a stretch of it lies on a bad place (FAILING_READS_FILE, _FROM, _LENGTH). What is flushed
+// arrives slowly (SLOW_FLUSH: milliseconds for a call) or not at all (FAILING_FLUSH: EIO). And a
+// machine that is at its end: no thread can be started (FAILING_THREADS).
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -37,9 +42,44 @@ Function Next(const char* name) {
     return function;
 }
 
+// False, with errno set, where nothing arrives.
+bool Arrives() {
+    if (const char* wait = std::getenv("SLOW_FLUSH")) {
+        const timespec time{0, std::atol(wait) * 1'000'000};
+        ::nanosleep(&time, nullptr);
+    }
+    if (std::getenv("FAILING_FLUSH") == nullptr) {
+        return true;
+    }
+    errno = EIO;
+    return false;
+}
+
 }  // namespace
 
 extern "C" {
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
+                   void* argument) {
+    using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    static const auto kNext = Next<Create>("pthread_create");
+    return std::getenv("FAILING_THREADS") != nullptr ? EAGAIN
+                                                     : kNext(thread, attributes, start, argument);
+}
+
+int fsync(int descriptor) {
+    static const auto kNext = Next<int (*)(int)>("fsync");
+    return Arrives() ? kNext(descriptor) : -1;
+}
+
+int sync_file_range(int descriptor, off64_t from, off64_t length, unsigned flags) {
+    using Sync = int (*)(int, off64_t, off64_t, unsigned);
+    static const auto kNext = Next<Sync>("sync_file_range");
+    if ((flags & SYNC_FILE_RANGE_WAIT_AFTER) != 0 && !Arrives()) {
+        return -1;
+    }
+    return kNext(descriptor, from, length, flags);
+}
 
 ssize_t pread64(int descriptor, void* buffer, std::size_t length, off64_t from) {
     using Pread = ssize_t (*)(int, void*, std::size_t, off64_t);
