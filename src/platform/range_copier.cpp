@@ -7,7 +7,7 @@ namespace clipfix::platform {
 
 RangeCopier::RangeCopier(const File* source, WindowReader& reader, File& target,
                          std::uint64_t start)
-    : reader_(&reader), target_(&target), end_(start), written_(start) {
+    : reader_(&reader), target_(&target), start_(start), end_(start), written_(start) {
     if (source != nullptr) {
         stretches_.emplace(*source, target, StretchCopier::BestWay(*source, target));
     }
@@ -77,12 +77,19 @@ void RangeCopier::FlushRange() {
         from += passed;
         length -= passed;
         written_ += passed;
-        if (!flushAhead_) {
-            flushAhead_.emplace(*target_, written_ - passed);
-        }
-        flushAhead_->UpTo(written_);
     }
     CopyThroughMemory(from, length);
+    StoreWhatStands();
+}
+
+void RangeCopier::StoreWhatStands() {
+    if (!flushAhead_) {
+        if (written_ - start_ < kLongFile) {
+            return;
+        }
+        flushAhead_.emplace(*target_, start_);
+    }
+    flushAhead_->UpTo(written_);
 }
 
 void RangeCopier::CopyThroughMemory(std::uint64_t from, std::uint64_t length) {

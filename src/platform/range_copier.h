@@ -45,8 +45,12 @@ class RangeCopier {
     // What one step copies at most, so that no operation takes long and a pause takes hold soon.
     static constexpr std::uint64_t kLargestRange = std::uint64_t{4} << 20U;
 
+    // From here on it is worth a thread to have the target stored while it grows.
+    static constexpr std::uint64_t kLongFile = std::uint64_t{16} << 20U;
+
     void FlushRange();
     void FlushBytes();
+    void StoreWhatStands();
     void CopyThroughMemory(std::uint64_t from, std::uint64_t length);
     void Note(Result<void> done);
     [[nodiscard]] Result<void> TakeOutcome();
@@ -54,11 +58,12 @@ class RangeCopier {
     std::optional<StretchCopier> stretches_;  // nothing without a source
     WindowReader* reader_;
     File* target_;
+    std::uint64_t start_;
     std::uint64_t end_;
     std::uint64_t written_;        // position in the target behind the last byte written
     std::uint64_t rangeFrom_ = 0;  // the gathered stretch of the source
     std::uint64_t rangeLength_ = 0;
-    std::optional<FlushAhead> flushAhead_;  // from the first long stretch on
+    std::optional<FlushAhead> flushAhead_;  // once the target is long
     ByteVector bytes_;                      // gathered bytes; they come before the gathered stretch
     Result<void> outcome_;                  // the first failure of the operation at hand
 };

@@ -51,10 +51,51 @@ void WindowReader::Load(std::uint64_t offset, std::size_t length) {
     const bool goesOn =
         !earlier_.bytes.empty() && offset >= earlier_.start && offset <= end + kSmallestWindow;
     windowSize_ = goesOn ? std::min(windowSize_ * 2, kLargestWindow) : kSmallestWindow;
+    if (!goesOn) {
+        readAhead_.reset();
+    } else if (TakeWhatWasReadAhead(offset, length)) {
+        BeginReadAhead();
+        return;
+    }
     const std::uint64_t wanted = std::max(windowSize_, length);
     current_.bytes.resize(static_cast<std::size_t>(std::min(wanted, Size() - offset)));
     current_.start = offset;
     ReadPiece(offset, current_.bytes);
+    if (windowSize_ == kLargestWindow) {
+        BeginReadAhead();
+    }
+}
+
+// Makes the piece that was read ahead the current window, if it is of use.
+bool WindowReader::TakeWhatWasReadAhead(std::uint64_t offset, std::size_t length) {
+    if (readAhead_ == nullptr) {
+        return false;
+    }
+    const ReadAhead::Piece piece = readAhead_->Take(current_.bytes);
+    current_.bytes.resize(piece.length);
+    current_.start = piece.start;
+    if (!current_.Holds(offset, length)) {
+        return false;
+    }
+    if (!piece.isWhole) {
+        ReadPiece(current_.start, current_.bytes);
+    }
+    return true;
+}
+
+// The next window begins a little ahead of where the current one ends: who looks for a pattern
+// has not yet judged the last bytes.
+void WindowReader::BeginReadAhead() {
+    const std::uint64_t end = current_.start + current_.bytes.size();
+    if (end >= Size() || !unreadable_.IsEmpty()) {
+        return;  // a dying medium is asked for nothing that may not be needed
+    }
+    if (readAhead_ == nullptr) {
+        readAhead_ = std::make_unique<ReadAhead>(*file_);
+    }
+    const std::uint64_t start = end - kSmallestWindow;
+    readAhead_->Begin(
+        start, static_cast<std::size_t>(std::min<std::uint64_t>(kLargestWindow, Size() - start)));
 }
 
 // Reads `out` whole, all of it inside the file. Where that fails it is halved, down to sectors;

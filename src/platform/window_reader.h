@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "base/bytes.h"
 #include "platform/file.h"
+#include "platform/read_ahead.h"
 #include "platform/unreadable_ranges.h"
 
 namespace clipfix::platform {
@@ -15,8 +17,9 @@ namespace clipfix::platform {
 // It holds two windows of the file in memory, the last and the one before: who looks ahead at a
 // place and comes back finds both. Reads that follow one another make the windows grow up to
 // `kLargestWindow`, so that a scan costs few system calls; a jump makes them small again, so that
-// a look at a chunk head here and there does not read what lies between. Not for use by two
-// threads at once; each takes a reader of its own.
+// a look at a chunk head here and there does not read what lies between. Behind windows of full
+// size the next one is read on a thread of its own meanwhile, unless the medium is dying. Not for
+// use by two threads at once; each takes a reader of its own.
 class WindowReader {
   public:
     static constexpr std::size_t kSmallestWindow = std::size_t{2} << 10U;
@@ -57,12 +60,15 @@ class WindowReader {
     // Makes the current window hold `length` bytes from `offset` on, all of them inside the file.
     const Window& Provide(std::uint64_t offset, std::size_t length);
     void Load(std::uint64_t offset, std::size_t length);
+    [[nodiscard]] bool TakeWhatWasReadAhead(std::uint64_t offset, std::size_t length);
+    void BeginReadAhead();
     void ReadPiece(std::uint64_t offset, ByteSpan out);
 
     const ReadableFile* file_;
     Window current_;
     Window earlier_;
     std::size_t windowSize_ = kSmallestWindow;
+    std::unique_ptr<ReadAhead> readAhead_;
     UnreadableRanges unreadable_;
 };
 

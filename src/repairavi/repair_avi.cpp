@@ -50,22 +50,7 @@ int CRepairAVI::RunJob(const platform::ReadableFile* damaged, const platform::Fi
     if (damagedFile != nullptr) {
         damagedFile->ExpectSequentialReads();
     }
-    platform::WindowReader reader(*damaged);
-    ScanBuffer sBuffer(reader);
-    sBuffer.Refill(0);
-    RepairedFile repaired(job_.state, files_.g_hAviRepaired, damagedFile, reader);
-    IndexFile index(files_.g_hAviIndex, repaired);
-    PercentMeter percent(job_, damaged->Size(), bytesScanned_, onPercentSent_);
-    Pass pass(job_, damaged->Size(), sBuffer, repaired, index, files_.g_hAviThumb, percent);
-
-    pass.onChunk = onChunk;
-    const ScanEnd end = ScanDamagedFile(pass);
-    bytesScanned_ = std::min(pass.ullOffset, pass.fileSize);
-    if (end == ScanEnd::Finished) {
-        FinishRepairedFile(pass);
-    }
-    job_.state.bytesUnreadable = reader.Unreadable().TotalBytes();
-    switch (end) {
+    switch (MakePass(*damaged, damagedFile, onChunk)) {
         case ScanEnd::Finished:
             files_.Finish(job_.state);
             return 1;
@@ -81,6 +66,27 @@ int CRepairAVI::RunJob(const platform::ReadableFile* damaged, const platform::Fi
     files_.CleanUp(job_.state);
     job_.state.g_ullAviRiffBody += std::uint64_t{IndexBodySize(job_.state)} + 8;
     return 1;
+}
+
+// All that works on the files, perhaps on threads of its own, ends with it; then they can be
+// closed.
+ScanEnd CRepairAVI::MakePass(const platform::ReadableFile& damaged,
+                             const platform::File* damagedFile, const AviChunkListener* onChunk) {
+    platform::WindowReader reader(damaged);
+    ScanBuffer sBuffer(reader);
+    sBuffer.Refill(0);
+    RepairedFile repaired(job_.state, files_.g_hAviRepaired, damagedFile, reader);
+    IndexFile index(files_.g_hAviIndex, repaired);
+    PercentMeter percent(job_, damaged.Size(), bytesScanned_, onPercentSent_);
+    Pass pass(job_, damaged.Size(), sBuffer, repaired, index, files_.g_hAviThumb, percent);
+    pass.onChunk = onChunk;
+    const ScanEnd end = ScanDamagedFile(pass);
+    bytesScanned_ = std::min(pass.ullOffset, pass.fileSize);
+    if (end == ScanEnd::Finished) {
+        FinishRepairedFile(pass);
+    }
+    job_.state.bytesUnreadable = reader.Unreadable().TotalBytes();
+    return end;
 }
 
 int CRepairAVI::GiveUp() {

@@ -13,6 +13,8 @@
 
 namespace clipfix {
 
+enum class ScanEnd;
+
 // The repair of one damaged AVI. It needs no reference: one forward pass reuses what survives of
 // the file's head, chains its data chunks into a new file, and appends a fresh index. The damaged
 // file is only ever read.
@@ -61,6 +63,8 @@ class CRepairAVI {
   private:
     int RunJob(const platform::ReadableFile* damaged, const platform::File* damagedFile,
                const AviChunkListener* onChunk = nullptr);
+    ScanEnd MakePass(const platform::ReadableFile& damaged, const platform::File* damagedFile,
+                     const AviChunkListener* onChunk);
     int GiveUp();
     void WaitForCancel();
     void ClearState();
