@@ -1,13 +1,15 @@
 """A desktop of the test's own: a home, the installed programs, and the programs that run."""
 
+import contextlib
 import os
 import shutil
 import signal
 import subprocess
+import tempfile
 
 import accessible
 import screen
-from waiting import Failure, PATIENCE, until
+from waiting import Failure, PATIENCE, Skipped, until
 
 # What the desktop would open a page or a folder with; here it notes what it was asked for.
 _OPENER = """#!/bin/sh
@@ -57,6 +59,25 @@ class Home:
         """The files in the work folder."""
         folder = self.work_folder
         return sorted(os.listdir(folder)) if os.path.isdir(folder) else []
+
+    @contextlib.contextmanager
+    def slow_disk(self):
+        """Another disk, to which nothing can be written until it is let; gives its folder and the
+        way to let it."""
+        other = "/dev/shm"
+        shim = os.path.join(self.build, "libfailing_machine.so")
+        if not os.path.exists(shim) or os.stat(other).st_dev == os.stat(self.folder).st_dev:
+            raise Skipped("no other disk, or none that can be slow")
+        gate = os.path.join(self.folder, "gate")
+        with tempfile.TemporaryDirectory(dir=other) as folder, open(gate, "wb"):
+            before = dict(self.environment)
+            self.environment.update(
+                LD_PRELOAD=shim, GATED_FOLDER=folder, GATE=gate,
+                ASAN_OPTIONS=before.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0")
+            try:
+                yield folder, lambda: os.unlink(gate)
+            finally:
+                self.environment = before
 
     def end_all(self):
         """Ends what still runs of the programs that were started from here."""

@@ -262,6 +262,40 @@ def a_cancelled_avi(person):
     person.quits()
 
 
+def a_cancelled_save(person):
+    """To another disk, and a slow one. Both the window and the worker tell that it was given up."""
+    words = person.words
+    with person.home.slow_disk() as (disk, let_it_write):
+        file = os.path.join(disk, "holiday.mov")
+        saving = pages.saving(words, file)
+        aborted = pages.note(words, "IDS_SAVE_ABORTED")
+        person.starts()
+        _repairs_with_reference(person)
+        person.presses("IDS_SAVE")
+        person.saves_as(file)
+        person.sees(saving, "saving")
+        person.presses("IDS_CANCEL")
+        person.is_told(pages.question(words, "IDS_CANCEL_DLG_MSG"), "cancel")
+        person.answers("IDS_NO")
+        person.sees(saving, "goes on after No")
+        must(os.path.isfile(file), "nothing is being saved")
+        person.presses("IDS_CANCEL")
+        person.is_told(pages.question(words, "IDS_CANCEL_DLG_MSG"), "cancel again")
+        person.answers("IDS_YES", closes=False)
+        person.is_told(aborted, "aborted")
+        let_it_write()
+        until(lambda: len(screen.windows(pid=person.program.pid)) == 3, "the worker's note")
+        person.answers("IDS_OK", closes=False)
+        until(lambda: len(screen.windows(pid=person.program.pid)) == 2, "the end of one note")
+        person.is_told(aborted, "told again")
+        person.answers("IDS_OK")
+        person.sees(pages.home(words), "home after the cancel")
+        must(not os.path.exists(file), "left on the disk: " + file)
+        must(person.home.results() == [], "left: %s" % person.home.results())
+        must(person.home.opened() == [], "the folder was opened")
+        person.quits()
+
+
 def quit_and_home_on_every_page(person):
     """Where nothing runs, Close asks and stays after No; Home and Back lead home."""
     words, media = person.words, person.media

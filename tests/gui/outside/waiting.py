@@ -13,6 +13,10 @@ class Failure(Exception):
     """What was awaited did not come, or something came that was not awaited."""
 
 
+class Skipped(Exception):
+    """This machine does not have what the scenario takes."""
+
+
 def until(look, what, patience=PATIENCE):
     """Looks again and again until `look` gives something true, and gives that back. `what` tells in
     a failure what was waited for; a function is called at the end."""

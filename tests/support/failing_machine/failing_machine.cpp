@@ -1,9 +1,11 @@
 // Loaded ahead of the C library by a test: a medium that is dying. Reads of one file fail with EIO
 // where a stretch of it lies on a bad place (FAILING_READS_FILE, _FROM, _LENGTH). What is flushed
-// arrives slowly (SLOW_FLUSH: milliseconds for a call) or not at all (FAILING_FLUSH: EIO). And a
-// machine that is at its end: no thread can be started (FAILING_THREADS).
+// arrives slowly (SLOW_FLUSH: milliseconds for a call) or not at all (FAILING_FLUSH: EIO). A disk
+// that keeps one waiting: writes below GATED_FOLDER stand still as long as the file GATE exists.
+// And a machine that is at its end: no thread can be started (FAILING_THREADS).
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -55,9 +57,35 @@ bool Arrives() {
     return false;
 }
 
+void WaitAtTheGate(int descriptor) {
+    const char* folder = std::getenv("GATED_FOLDER");
+    const char* gate = std::getenv("GATE");
+    if (folder == nullptr || gate == nullptr) {
+        return;
+    }
+    char link[64];
+    char path[4096] = {};
+    std::snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor);
+    if (::readlink(link, path, sizeof path - 1) < 0 ||
+        std::strncmp(path, folder, std::strlen(folder)) != 0) {
+        return;
+    }
+    while (::access(gate, F_OK) == 0) {
+        const timespec kLook{0, 10'000'000};
+        ::nanosleep(&kLook, nullptr);
+    }
+}
+
 }  // namespace
 
 extern "C" {
+
+ssize_t pwrite64(int descriptor, const void* buffer, std::size_t length, off64_t to) {
+    using Pwrite = ssize_t (*)(int, const void*, std::size_t, off64_t);
+    static const auto kNext = Next<Pwrite>("pwrite64");
+    WaitAtTheGate(descriptor);
+    return kNext(descriptor, buffer, length, to);
+}
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
                    void* argument) {
