@@ -22,6 +22,9 @@ class ReadableFile {
 
     // The size in bytes as it was when the file was opened.
     [[nodiscard]] virtual std::uint64_t Size() const = 0;
+
+    // Tells the system that a stretch will be wanted soon, if it can be told. Advice only.
+    virtual void ExpectReads(std::uint64_t /*offset*/, std::uint64_t /*length*/) const {}
 };
 
 // Told how many bytes of how many a long step has behind it; answers whether to go on.
@@ -52,6 +55,7 @@ class File final : public ReadableFile {
 
     [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, ByteSpan out) const override;
     [[nodiscard]] std::uint64_t Size() const override;
+    void ExpectReads(std::uint64_t offset, std::uint64_t length) const override;
 
     // The size in bytes at this moment.
     [[nodiscard]] Result<std::uint64_t> CurrentSize() const;

@@ -73,7 +73,8 @@ int CRepairAVI::RunJob(const platform::ReadableFile* damaged, const platform::Fi
 ScanEnd CRepairAVI::MakePass(const platform::ReadableFile& damaged,
                              const platform::File* damagedFile, const AviChunkListener* onChunk) {
     platform::WindowReader reader(damaged);
-    ScanBuffer sBuffer(reader);
+    platform::Prefetch prefetch(damaged);
+    ScanBuffer sBuffer(reader, &prefetch);
     sBuffer.Refill(0);
     RepairedFile repaired(job_.state, files_.g_hAviRepaired, damagedFile, reader);
     IndexFile index(files_.g_hAviIndex, repaired);

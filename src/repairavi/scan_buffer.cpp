@@ -11,6 +11,9 @@ void ScanBuffer::Refill(std::uint64_t fileOffset) {
     bytesRead_ = static_cast<std::uint32_t>(std::min<std::uint64_t>(rest, kSize));
     filePointer_ = origin_ + bytesRead_;
     repairs_.clear();
+    if (prefetch_ != nullptr) {
+        prefetch_->GoOnFrom(origin_);
+    }
 }
 
 void ScanBuffer::Fetch(std::int64_t index, ByteSpan out) {

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "base/bytes.h"
+#include "platform/prefetch.h"
 #include "platform/window_reader.h"
 #include "repairavi/avi_markers.h"
 #include "repairavi/marker_search.h"
@@ -25,8 +26,10 @@ class ScanBuffer {
   public:
     static constexpr std::uint32_t kSize = 333333;
 
-    // `reader` reads the damaged file; it must outlive the buffer. Nothing is read yet.
-    explicit ScanBuffer(platform::WindowReader& reader) : reader_(&reader) {}
+    // `reader` reads the damaged file, and `prefetch`, unless it is null, reads ahead of the buffer
+    // as that moves on; both must outlive it. Nothing is read yet.
+    explicit ScanBuffer(platform::WindowReader& reader, platform::Prefetch* prefetch = nullptr)
+        : reader_(&reader), prefetch_(prefetch) {}
 
     // Seeks the damaged file to `fileOffset`, clears the buffer and reads.
     void Refill(std::uint64_t fileOffset);
@@ -88,6 +91,7 @@ class ScanBuffer {
     void AppendInside(RepairedFile& repaired, std::uint32_t index, std::uint32_t length);
 
     platform::WindowReader* reader_;
+    platform::Prefetch* prefetch_;
     std::uint64_t origin_ = 0;       // file offset at which the last read began
     std::uint64_t filePointer_ = 0;  // file offset at which the next read in a row begins
     std::uint32_t bytesRead_ = 0;

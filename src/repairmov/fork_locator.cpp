@@ -31,10 +31,14 @@ ForkLocator::ForkLocator(JobContext job, const platform::ReadableFile& file,
       progress_(job),
       scanReader_(file),
       heads_(file),
+      prefetch_(file),
       blockTest_(settings.parameterSets.View(), settings.nalLengthSize,
                  NalWalker::kUnitTooLarge - 1),
       walker_(settings.parameterSets.View(), settings.nalLengthSize,
-              [this](std::uint64_t offset) { return heads_.At(offset); }),
+              [this](std::uint64_t offset) {
+                  prefetch_.GoOnFrom(offset);
+                  return heads_.At(offset);
+              }),
       probe_(WantsAac(settings) ? ByteView(settings.audioSpecificInfo) : ByteView()),
       pool_(probe_, file, probe_.CanStart() ? settings.probeThreads : 1,
             [this] { return progress_.MayGoOn(); }) {}

@@ -9,6 +9,7 @@
 #include "job/state/job_front_end.h"
 #include "moviefile/reference_check.h"
 #include "platform/file.h"
+#include "platform/prefetch.h"
 #include "platform/unreadable_ranges.h"
 #include "platform/window_reader.h"
 #include "repairmov/aac_probe.h"
@@ -78,6 +79,7 @@ class ForkLocator {
     MovProgress progress_;
     platform::WindowReader scanReader_;
     HeadReader heads_;
+    platform::Prefetch prefetch_;
     BlockTest blockTest_;
     NalWalker walker_;
     AacProbe probe_;

@@ -239,6 +239,19 @@ void File::ExpectSequentialReads() const {
     static_cast<void>(::posix_fadvise(handle_->descriptor, 0, 0, POSIX_FADV_SEQUENTIAL));
 }
 
+void File::ExpectReads(std::uint64_t offset, std::uint64_t length) const {
+    if (offset > kLargestOffset || length > kLargestOffset - offset) {
+        return;
+    }
+    // What is asked for in one call is cut to what the device takes in one go, often no more.
+    constexpr std::uint64_t kLeastTaken = std::uint64_t{128} << 10U;
+    for (std::uint64_t done = 0; done < length; done += kLeastTaken) {
+        static_cast<void>(::posix_fadvise(handle_->descriptor, static_cast<off_t>(offset + done),
+                                          static_cast<off_t>(std::min(kLeastTaken, length - done)),
+                                          POSIX_FADV_WILLNEED));
+    }
+}
+
 bool File::IsSameFileAs(const File& other) const {
     return handle_->device == other.handle_->device && handle_->inode == other.handle_->inode;
 }

@@ -1,0 +1,15 @@
+#include "platform/memory.h"
+
+#include <unistd.h>
+
+namespace clipfix::platform {
+
+std::uint64_t PhysicalMemory() {
+    const long pages = ::sysconf(_SC_PHYS_PAGES);
+    const long pageSize = ::sysconf(_SC_PAGESIZE);
+    return pages <= 0 || pageSize <= 0
+               ? 0
+               : static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
+}
+
+}  // namespace clipfix::platform
