@@ -64,7 +64,7 @@ TEST_P(StretchCopierOfBothWays, CopiesAllOfManyStretches) {
     Files files(folder.Path(), 2500 * kKiB);
     StretchCopier copier(*files.source, *files.target, GetParam());
     Random random(3);
-    for (int i = 0; i < 12; ++i) {
+    for (int i = 0; i < 6; ++i) {
         const std::uint64_t from = random.Below(500 * kKiB);
         const std::uint64_t length = 600 * kKiB + random.Below(1400 * kKiB);
         const std::uint64_t to = random.Below(10000);

@@ -48,7 +48,10 @@ ByteVector ReadFile(const std::filesystem::path& path) {
     if (!in) {
         Stop("cannot read", path);
     }
-    return ByteVector(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    ByteVector bytes(static_cast<std::size_t>(std::filesystem::file_size(path)));
+    in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return bytes;
 }
 
 }  // namespace clipfix::test
