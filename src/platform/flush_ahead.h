@@ -21,7 +21,7 @@ class FlushAhead {
     // Waits for what is being handed over at the moment.
     ~FlushAhead();
 
-    // All before position `end` is written, and will not be written again.
+    // All before position `end` is written. What is written there once more goes out twice.
     void UpTo(std::uint64_t end);
 
   private:

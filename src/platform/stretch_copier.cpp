@@ -1,7 +1,7 @@
 #include "platform/stretch_copier.h"
 
 #include <algorithm>
-#include <system_error>
+#include <exception>
 #include <utility>
 
 #include "platform/crash_file.h"
@@ -43,6 +43,7 @@ Result<std::uint64_t> StretchCopier::Copy(std::uint64_t from, std::uint64_t to,
     next_ = 0;
     arrived_ = length;
     failure_.reset();
+    buffer_.reserve(kBlock);
     if (length > kBlock) {
         CallPartner();
     }
@@ -57,8 +58,9 @@ Result<std::uint64_t> StretchCopier::Copy(std::uint64_t from, std::uint64_t to,
 void StretchCopier::CallPartner() {
     if (!partner_.joinable()) {
         try {
+            partnerBuffer_.reserve(kBlock);  // here, where running out of memory can be caught
             partner_ = std::thread([this] { WorkAsPartner(); });
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {
             return;  // then one works alone
         }
     }
@@ -76,7 +78,6 @@ void StretchCopier::WaitForPartner() {
 
 void StretchCopier::WorkAsPartner() {
     const CrashStack crashStack;
-    ByteVector buffer;
     std::unique_lock lock(mutex_);
     while (true) {
         changed_.wait(lock, [this] { return partnerIsCalled_ || isClosing_; });
@@ -84,7 +85,7 @@ void StretchCopier::WorkAsPartner() {
             return;
         }
         lock.unlock();
-        CopyBlocks(buffer);
+        CopyBlocks(partnerBuffer_);
         lock.lock();
         partnerIsCalled_ = false;
         changed_.notify_all();

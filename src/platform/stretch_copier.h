@@ -56,6 +56,7 @@ class StretchCopier {
     File& target_;
     const Way way_;
     ByteVector buffer_;
+    ByteVector partnerBuffer_;
 
     std::mutex mutex_;
     std::condition_variable changed_;

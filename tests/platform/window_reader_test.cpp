@@ -1,5 +1,6 @@
 #include "platform/window_reader.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <numeric>
 
@@ -85,6 +86,23 @@ TEST(WindowReader, ReadsAScanInFewLargePieces) {
     }
     // 2, 4, … 512 KiB make 1022 KiB in 9 reads, and the rest goes by 1 MiB each.
     EXPECT_EQ(file.Reads(), 9 + 8);
+}
+
+// In the piece that was read ahead, too, one bad sector costs one sector.
+TEST(WindowReader, LosesOnlyTheBadSectorOfWhatItReadAhead) {
+    const ByteVector bytes = BytesWithoutZero(8U << 20U);
+    MemoryFile file(bytes);
+    constexpr std::size_t kBad = 5U << 20U;
+    file.BreakRange(kBad + 100, 1);
+    WindowReader reader(file);
+    ByteVector seen;
+    while (seen.size() < bytes.size()) {
+        AppendBytes(seen, reader.ViewOnward(seen.size()));
+    }
+    ByteVector expected = bytes;
+    std::fill_n(expected.begin() + kBad, WindowReader::kSector, std::uint8_t{0});
+    EXPECT_TRUE(seen == expected);
+    EXPECT_EQ(reader.Unreadable().TotalBytes(), WindowReader::kSector);
 }
 
 TEST(WindowReader, ReadsLittleForALookHereAndThere) {
